@@ -1,0 +1,24 @@
+#include "actions/action.h"
+
+namespace workbench_int {
+
+void open_log(session_t* session) {
+    std::string const file = env_get_string(session, "log_file");
+    log_init(file.c_str(), nullptr);
+}
+
+int run_command(std::string const& command) {
+    int status = 0;
+    print_log("workbench_int: running command: %s", command.c_str());
+    std::string const output = get_command_output(command, &status, true, "");
+    print_log("workbench_int: out: %s", output.c_str());
+    return status;
+}
+
+std::string deintegration_script_path(session_t* session) {
+    std::string const directory = env_get_string(session, "VORN_INSTALL_DIR");
+    std::string const subdirectory = env_get_string(session, "VORN_INSTALL_SUBDIR");
+    return path(directory + subdirectory + "/vorn/wb_deintegrate") + ".sh";
+}
+
+} // namespace workbench_int

@@ -1,0 +1,38 @@
+#pragma once
+
+// The installer's services, as the plug-in calls them. The installer exports them; the plug-in
+// leaves them unresolved and finds them in the process that loads it.
+
+#include <string>
+
+struct session_t;
+struct logging_state_t;
+
+/// The variable's value, or the empty string where the session does not hold it.
+std::string env_get_string(session_t* session, char const* name);
+
+/// Stores a copy of the value.
+void env_set_string(session_t* session, char const* name, char const* value);
+void env_set_string(session_t* session, std::string const& name, std::string const& value);
+
+/// Sends the lines of `print_log` to `file`. The plug-in passes a null `state`.
+int log_init(char const* file, logging_state_t** state);
+
+/// Writes one line to the log. The format holds no line end.
+[[gnu::format(printf, 1, 2)]] void print_log(char const* format, ...);
+
+/// The installer's normal form of a path joined from pieces.
+std::string path(std::string joined);
+
+int is_dir(std::string const& name);
+int is_file(std::string const& name);
+int is_writable(std::string name);
+
+void folder_create(std::string directory, unsigned int mode);
+
+/// Copies the contents of the directory `source` into the directory `destination`.
+void dir_copy(std::string source, std::string destination);
+
+/// Has a shell run `command`, waits for it, stores its status and returns its output. The plug-in
+/// passes `true` and the empty string for the last two arguments, which are the installer's own.
+std::string get_command_output(std::string command, int* status, bool flag, std::string text);

@@ -1,0 +1,44 @@
+#include "workbench/installation.h"
+
+#include <fstream>
+#include <locale>
+
+#include "host/services.h"
+
+namespace {
+
+/// Whether `key` stands in what is left of the stream. Reads block by block and keeps the end of
+/// one block for the next, so that a file of any size, even of a single word, costs little memory.
+bool contains(std::istream& stream, std::string const& key) {
+    constexpr std::size_t block_size = 64 * 1024;
+    std::size_t const overlap = key.empty() ? 0 : key.size() - 1;
+    std::string window;
+    do {
+        if (window.size() > overlap) window.erase(0, window.size() - overlap);
+        std::size_t const kept = window.size();
+        window.resize(kept + block_size);
+        stream.read(&window[kept], block_size);
+        window.resize(kept + static_cast<std::size_t>(stream.gcount()));
+        if (window.find(key) != std::string::npos) return true;
+    } while (stream);
+    return false;
+}
+
+} // namespace
+
+bool is_wb_path(std::string directory) {
+    return is_file(path(directory + "/install.properties")) != 0;
+}
+
+bool is_supported(std::string properties, std::string version_key) {
+    std::ifstream file(properties);
+    file.imbue(std::locale::classic());
+    if (!file) return false;
+
+    // No word contains white space, so a key without any stands in a word wherever it stands.
+    if (version_key.find_first_of(" \t\n\r\v\f") != std::string::npos) return false;
+    if (!contains(file, version_key)) return false;
+
+    print_log("workbench_int: %s is found", version_key.c_str());
+    return true;
+}
