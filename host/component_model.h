@@ -1,0 +1,55 @@
+#pragma once
+
+// The installer's model of the product: a session holds components, and a component's provider
+// knows the files that it installs. All objects are the installer's; the plug-in only reads them.
+
+#include <string>
+#include <vector>
+
+/// Answers which files a component installs. Its operations are virtual and reached by their
+/// position, so `fileList` has to stay the ninth and nothing virtual may come before `query`.
+class ComponentProvider {
+  public:
+    /// An opaque handle for the files under `component`, or null where there are none. The
+    /// plug-in passes empty strings for the other two arguments.
+    virtual void* query(std::string first, std::string component, std::string third) = 0;
+
+    virtual void unused2() = 0;
+    virtual void unused3() = 0;
+    virtual void unused4() = 0;
+    virtual void unused5() = 0;
+    virtual void unused6() = 0;
+    virtual void unused7() = 0;
+    virtual void unused8() = 0;
+
+    /// The paths of the installed files, for a handle that `query` of this provider returned. A
+    /// path may be empty, and its separators may be slashes or backslashes.
+    virtual std::vector<std::string> fileList(void* handle) = 0;
+
+  protected:
+    ~ComponentProvider() = default;
+};
+
+class Component {
+  public:
+    std::string name;
+
+    /// Whether the component is to be installed.
+    bool installCondition();
+
+    /// The sub-directory, below the product's directory, into which the component installs.
+    std::string subdir();
+
+    ComponentProvider* provider();
+};
+
+class TSD {
+  public:
+    /// The components in the installer's order. An entry may be null.
+    std::vector<Component*> components();
+};
+
+/// One run of the installer.
+struct session_t {
+    TSD tsd;
+};
