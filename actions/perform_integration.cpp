@@ -1,0 +1,49 @@
+#include "actions/action.h"
+#include "host/component_model.h"
+#include "workbench/configuration.h"
+#include "workbench/deintegration_script.h"
+#include "workbench/shell_quote.h"
+
+/// Integrates the product: copies its workbench configuration from the installed files into the
+/// workbench in "WB_INTEGRATION_PATH", runs the configuration's setup script
+/// ("WORKBENCH_SCRIPT_NAME") with the directory of the product's workbench component as its one
+/// argument, and leaves a script that undoes all that in the product ("VORN_INSTALL_DIR",
+/// "VORN_INSTALL_SUBDIR"). Returns the setup script's status, or -1, with nothing touched, where
+/// the product has no configuration or the workbench is no directory. Goes on past any other
+/// failure; only the log tells of it.
+extern "C" int perform_integration(session_t* session) {
+    using workbench_int::double_quoted;
+
+    workbench_int::open_log(session);
+    print_log("workbench_int: perform_integration entered");
+    std::string const workbench = path(env_get_string(session, "WB_INTEGRATION_PATH"));
+    std::string const found = get_wb_integration(session->tsd.components());
+    std::string const configuration = path(found);
+    print_log("workbench_int: path to workbench: %s", workbench.c_str());
+    if (configuration.empty()) {
+        print_log("workbench_int: workbench integration is not supported");
+        return -1;
+    }
+
+    std::string component_dir = env_get_string(session, "VORN_INSTALL_DIR");
+    component_dir += env_get_string(session, "WB_INSTALL_SUBDIR");
+    std::string const source_dir = path(component_dir + "/" + configuration);
+    if (!is_dir(workbench)) {
+        print_log("workbench_int: workbench path: %s does not exist or not a directory",
+                  workbench.c_str());
+        return -1;
+    }
+
+    std::string const config_dir = path(workbench + "/" + configuration);
+    folder_create(config_dir, 0755);
+    dir_copy(source_dir, config_dir);
+
+    std::string const script_name = env_get_string(session, "WORKBENCH_SCRIPT_NAME");
+    std::string const setup_script =
+        path(workbench + "/" + configuration + "/wr-setup/" + script_name) + ".sh";
+    int const status = workbench_int::run_command(double_quoted(setup_script) + " " +
+                                                  double_quoted(path(component_dir)));
+
+    create_deintegration_script(workbench_int::deintegration_script_path(session), config_dir);
+    return status;
+}
