@@ -1,0 +1,47 @@
+#include <memory>
+#include <string>
+
+#include "host/component_model.h"
+#include "host/ini_db.h"
+#include "host/services.h"
+#include "workbench/component_walk.h"
+
+namespace {
+
+/// Whether the session marks the file as one of the workbench's preferences files. An empty marker
+/// marks none, rather than every file of the product.
+bool is_preferences_file(session_t* session, std::string const& file) {
+    std::string const marker = env_get_string(session, "WB_PREFS");
+    return !marker.empty() && file.find(marker) != std::string::npos;
+}
+
+void set_location(session_t* session, std::string const& file, std::string const& location) {
+    auto const preferences = std::make_unique<IniDb>(location, file, "=");
+    std::string const key = env_get_string(session, "WB_PREFS_INST_DIR");
+    preferences->setValue(key, location, true);
+    preferences->save();
+}
+
+} // namespace
+
+/// Sets the key named by "WB_PREFS_INST_DIR" to the product's location, "VORN_INSTALL_DIR" and
+/// "VORN_INSTALL_SUBDIR" with a slash between them, in every installed file whose path contains
+/// the text in "WB_PREFS". Logs each such file, to whatever log is open. Returns 0; whether the
+/// files could be rewritten is for the installer's `IniDb` to tell.
+extern "C" int init_wb_prefs(session_t* session) {
+    std::string const directory = env_get_string(session, "VORN_INSTALL_DIR");
+    std::string const subdirectory = env_get_string(session, "VORN_INSTALL_SUBDIR");
+    std::string const location = path(directory + "/" + subdirectory);
+
+    auto const set_if_preferences = [&](std::string const& file) {
+        if (is_preferences_file(session, file)) {
+            print_log("workbench_init:: found WB prefs file: <%s>", file.c_str());
+            set_location(session, file, location);
+        }
+        return false;
+    };
+    workbench_int::any_component(session->tsd.components(), [&](Component& component) {
+        return workbench_int::any_file(component, set_if_preferences);
+    });
+    return 0;
+}
