@@ -1,0 +1,67 @@
+#include "trial/files.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace trial {
+
+namespace {
+
+/// A file that is gone again unless it was moved to its place.
+struct FreshFile {
+    fs::path path;
+
+    ~FreshFile() {
+        std::error_code ignored;
+        fs::remove(path, ignored);
+    }
+};
+
+void copy_entry(fs::directory_entry const& entry, fs::path const& target) {
+    if (entry.is_symlink())
+        replace_file(target, [&](fs::path const& fresh) { fs::copy_symlink(entry, fresh); });
+    else if (entry.is_directory())
+        fs::create_directory(target);
+    else
+        replace_file(target, [&](fs::path const& fresh) { fs::copy_file(entry, fresh); });
+}
+
+} // namespace
+
+std::string normalised(std::string const& path) {
+    std::string result;
+    for (char const character : path)
+        if (character != '/' || result.empty() || result.back() != '/') result += character;
+    if (result.size() > 1 && result.back() == '/') result.pop_back();
+    return result;
+}
+
+void replace_file(fs::path const& file, std::function<void(fs::path const& fresh)> const& write) {
+    FreshFile const fresh{file.string() + ".wb-trial-" + std::to_string(getpid())};
+    write(fresh.path);
+    fs::rename(fresh.path, file);
+}
+
+void copy_tree(fs::path const& source, fs::path const& destination) {
+    if (!fs::is_directory(destination))
+        throw fs::filesystem_error("copy", destination,
+                                   std::make_error_code(std::errc::not_a_directory));
+
+    // A directory gets its mode when all is in it: it may be one that forbids writing.
+    std::vector<std::pair<fs::path, fs::perms>> modes;
+    for (fs::directory_entry const& entry : fs::recursive_directory_iterator(source)) {
+        fs::path const target = destination / entry.path().lexically_relative(source);
+        copy_entry(entry, target);
+        if (entry.is_directory() && !entry.is_symlink())
+            modes.emplace_back(target, entry.status().permissions());
+    }
+    std::reverse(modes.begin(), modes.end());
+    for (auto const& [directory, mode] : modes) fs::permissions(directory, mode);
+}
+
+} // namespace trial

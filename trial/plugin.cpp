@@ -1,0 +1,31 @@
+#include "trial/plugin.h"
+
+#include <dlfcn.h>
+
+#include "trial/start_error.h"
+
+namespace fs = std::filesystem;
+
+namespace trial {
+
+Plugin::Plugin(fs::path const& file)
+    : library_(dlopen(fs::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL), dlclose) {
+    if (!library_) throw StartError(file.string() + ": the library does not load: " + dlerror());
+    for (char const* const name : action_names) {
+        void* const symbol = dlsym(library_.get(), name);
+        if (!symbol) throw StartError(file.string() + ": the library exports no " + name);
+        actions_[name] = reinterpret_cast<Action>(symbol);
+    }
+}
+
+fs::path bundled_plugin() {
+    fs::path const directory = fs::read_symlink("/proc/self/exe").parent_path();
+    for (char const* const place : {".", TRIAL_LIBRARY_FROM_PROGRAM}) {
+        fs::path const library = (directory / place / TRIAL_LIBRARY_NAME).lexically_normal();
+        if (fs::exists(library)) return library;
+    }
+    throw StartError((directory / TRIAL_LIBRARY_NAME).string() +
+                     ": there is no such library; name one with --plugin");
+}
+
+} // namespace trial

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace trial {
+
+struct CommandOutcome {
+    int status; ///< the exit code, or 128 + the signal that ended the command
+    std::string output;
+};
+
+/// Runs `shell -c command` with no standard input, waits for it and for the end of its output, and
+/// returns what it wrote to both its output streams.
+CommandOutcome run_command(std::string const& shell, std::string const& command);
+
+} // namespace trial
