@@ -2,10 +2,12 @@
 #include "workbench/installation.h"
 #include "workbench/split_by_delimiter.h"
 
+namespace workbench_int {
+
 /// Proposes a workbench: writes to "WB_INTEGRATION_PATH" the first directory of the blank-separated
 /// "DEFAULT_SEARCH_PATH" that holds one, as it is listed, or the empty string. Returns 0.
 extern "C" int detect_wb_in_default_path(session_t* session) {
-    workbench_int::open_log(session);
+    open_log(session);
     print_log("workbench_int: detect_wb_in_default_path entered");
     std::string const search_path = env_get_string(session, "DEFAULT_SEARCH_PATH");
     print_log("workbench_int: default_path_string %s", search_path.c_str());
@@ -19,3 +21,5 @@ extern "C" int detect_wb_in_default_path(session_t* session) {
     env_set_string(session, "WB_INTEGRATION_PATH", "");
     return 0;
 }
+
+} // namespace workbench_int

@@ -2,11 +2,13 @@
 #include "host/component_model.h"
 #include "workbench/component_walk.h"
 
+namespace workbench_int {
+
 /// Asks whether the product brings a workbench part: writes "yes" or "no" to
 /// "WB_INTEGRATION_SUPPORTED" and, with "yes", the sub-directory of the first component to be
 /// installed that has "workbench" in its name to "WB_INSTALL_SUBDIR". Returns 0.
 extern "C" int find_wb_components(session_t* session) {
-    workbench_int::open_log(session);
+    open_log(session);
     print_log("workbench_int: find_wb_components entered");
 
     auto const answer_yes = [session](Component& component) {
@@ -16,9 +18,11 @@ extern "C" int find_wb_components(session_t* session) {
         env_set_string(session, "WB_INSTALL_SUBDIR", component.subdir());
         return true;
     };
-    if (workbench_int::any_component(session->tsd.components(), answer_yes)) return 0;
+    if (any_component(session->tsd.components(), answer_yes)) return 0;
 
     print_log("workbench_int: workbench integration is not supported");
     env_set_string(session, "WB_INTEGRATION_SUPPORTED", "no");
     return 0;
 }
+
+} // namespace workbench_int

@@ -6,6 +6,8 @@
 #include "host/services.h"
 #include "workbench/component_walk.h"
 
+namespace workbench_int {
+
 namespace {
 
 /// Whether the session marks the file as one of the workbench's preferences files. An empty marker
@@ -40,8 +42,9 @@ extern "C" int init_wb_prefs(session_t* session) {
         }
         return false;
     };
-    workbench_int::any_component(session->tsd.components(), [&](Component& component) {
-        return workbench_int::any_file(component, set_if_preferences);
-    });
+    any_component(session->tsd.components(),
+                  [&](Component& component) { return any_file(component, set_if_preferences); });
     return 0;
 }
+
+} // namespace workbench_int

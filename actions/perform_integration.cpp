@@ -4,6 +4,8 @@
 #include "workbench/deintegration_script.h"
 #include "workbench/shell_quote.h"
 
+namespace workbench_int {
+
 /// Integrates the product: copies its workbench configuration from the installed files into the
 /// workbench in "WB_INTEGRATION_PATH", runs the configuration's setup script
 /// ("WORKBENCH_SCRIPT_NAME") with the directory of the product's workbench component as its one
@@ -12,9 +14,7 @@
 /// the product has no configuration or the workbench is no directory. Goes on past any other
 /// failure; only the log tells of it.
 extern "C" int perform_integration(session_t* session) {
-    using workbench_int::double_quoted;
-
-    workbench_int::open_log(session);
+    open_log(session);
     print_log("workbench_int: perform_integration entered");
     std::string const workbench = path(env_get_string(session, "WB_INTEGRATION_PATH"));
     std::string const found = get_wb_integration(session->tsd.components());
@@ -41,9 +41,11 @@ extern "C" int perform_integration(session_t* session) {
     std::string const script_name = env_get_string(session, "WORKBENCH_SCRIPT_NAME");
     std::string const setup_script =
         path(workbench + "/" + configuration + "/wr-setup/" + script_name) + ".sh";
-    int const status = workbench_int::run_command(double_quoted(setup_script) + " " +
-                                                  double_quoted(path(component_dir)));
+    int const status = run_command(double_quoted(unmistakable_path(setup_script)) + " " +
+                                   double_quoted(path(component_dir)));
 
-    create_deintegration_script(workbench_int::deintegration_script_path(session), config_dir);
+    create_deintegration_script(deintegration_script_path(session), config_dir);
     return status;
 }
+
+} // namespace workbench_int

@@ -1,6 +1,8 @@
 #include "actions/action.h"
 #include "workbench/installation.h"
 
+namespace workbench_int {
+
 namespace {
 
 /// Whether the workbench is of one of the listed versions. Each version is ended by ";"; what
@@ -39,7 +41,7 @@ char const* judge(std::string const& workbench, std::string const& versions) {
 /// answers in "PATH_STATUS": "ok", "undefined" (no workbench there, or no versions given),
 /// "unsupported" or "notwritable". Changes nothing on disk. Returns 0.
 extern "C" int validate_wb_path(session_t* session) {
-    workbench_int::open_log(session);
+    open_log(session);
     print_log("workbench_int: validate_wb_path entered");
     std::string const workbench = env_get_string(session, "WB_INTEGRATION_PATH");
     std::string const versions = env_get_string(session, "SUPPORTED_VERSION");
@@ -47,3 +49,5 @@ extern "C" int validate_wb_path(session_t* session) {
     env_set_string(session, "PATH_STATUS", judge(workbench, versions));
     return 0;
 }
+
+} // namespace workbench_int

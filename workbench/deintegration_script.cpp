@@ -9,23 +9,23 @@
 #include "host/services.h"
 #include "workbench/shell_quote.h"
 
+namespace workbench_int {
+
 namespace {
 
-/// The uninstall script's path is read by two shells: by the one that runs the line, as an argument
-/// in double quotes, and by the one that the line starts, as its command.
-std::string run_uninstall_script(std::string const& config_dir) {
+std::string script_text(std::string const& config_dir) {
     std::string const uninstall_script = path(config_dir + "/wr-setup/uninst_wr_qev") + ".sh";
-    using workbench_int::command_word;
-    return "/bin/sh -c " + workbench_int::double_quoted(command_word(uninstall_script)) + "\n";
-}
-
-std::string remove_directory(std::string const& config_dir) {
-    std::string directory = path(config_dir);
-    if (directory.rfind('-', 0) == 0) directory = "./" + directory; // or `rm` would see options
-    return "rm -rf " + workbench_int::double_quoted(directory) + "\n";
+    std::string const removed = path(config_dir);
+    // Two shells read the uninstall script's path: the one that runs the line, as an argument in
+    // double quotes, and the one that the line starts, as its command.
+    std::string const command = shell_word(unmistakable_path(uninstall_script));
+    return "#!/bin/sh\n/bin/sh -c " + double_quoted(command) + "\nrm -rf " +
+           double_quoted(unmistakable_path(removed)) + "\n";
 }
 
 } // namespace
+
+} // namespace workbench_int
 
 int create_deintegration_script(std::string script_path, std::string config_dir) {
     print_log("workbench_int: trying to create %s", script_path.c_str());
@@ -38,9 +38,7 @@ int create_deintegration_script(std::string script_path, std::string config_dir)
         print_log("workbench_int: failed to open %s", script_path.c_str());
         return -1;
     }
-    std::string text = "#!/bin/sh\n";
-    text += run_uninstall_script(config_dir);
-    text += remove_directory(config_dir);
+    std::string const text = workbench_int::script_text(config_dir);
     script.close();
 
     // An earlier script is truncated only here, where nothing is left that could throw.

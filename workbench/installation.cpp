@@ -5,6 +5,8 @@
 
 #include "host/services.h"
 
+namespace workbench_int {
+
 namespace {
 
 /// Whether `key` stands in what is left of the stream. Reads block by block and keeps the end of
@@ -26,6 +28,8 @@ bool contains(std::istream& stream, std::string const& key) {
 
 } // namespace
 
+} // namespace workbench_int
+
 bool is_wb_path(std::string directory) {
     return is_file(path(directory + "/install.properties")) != 0;
 }
@@ -37,7 +41,7 @@ bool is_supported(std::string properties, std::string version_key) {
 
     // No word contains white space, so a key without any stands in a word wherever it stands.
     if (version_key.find_first_of(" \t\n\r\v\f") != std::string::npos) return false;
-    if (!contains(file, version_key)) return false;
+    if (!workbench_int::contains(file, version_key)) return false;
 
     print_log("workbench_int: %s is found", version_key.c_str());
     return true;

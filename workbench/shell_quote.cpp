@@ -1,10 +1,13 @@
 #include "workbench/shell_quote.h"
 
+#include <algorithm>
 #include <string_view>
+
+namespace workbench_int {
 
 namespace {
 
-/// ASCII that means nothing to a shell within a word.
+/// ASCII that means nothing to a shell.
 constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyz"
                                    "ABCDEFGHIJKLMNOPQRSTUVWXYZ"
                                    "0123456789"
@@ -15,17 +18,7 @@ bool is_plain(char character) {
     return !is_ascii || plain.find(character) != std::string_view::npos;
 }
 
-/// Whether a shell takes the text as it stands for one word, and `sh -c` takes it for no option.
-bool is_plain_word(std::string const& text) {
-    if (text.empty() || text.front() == '-' || text.front() == '+') return false;
-    for (char const character : text)
-        if (!is_plain(character)) return false;
-    return true;
-}
-
 } // namespace
-
-namespace workbench_int {
 
 std::string double_quoted(std::string const& text) {
     std::string quoted = "\"";
@@ -36,8 +29,8 @@ std::string double_quoted(std::string const& text) {
     return quoted + '"';
 }
 
-std::string command_word(std::string const& text) {
-    if (is_plain_word(text)) return text;
+std::string shell_word(std::string const& text) {
+    if (std::all_of(text.begin(), text.end(), is_plain)) return text;
     std::string quoted = "'";
     for (char const character : text) {
         if (character == '\'')
@@ -46,6 +39,10 @@ std::string command_word(std::string const& text) {
             quoted += character;
     }
     return quoted + '\'';
+}
+
+std::string unmistakable_path(std::string const& path) {
+    return path.find_first_of("-+%") == 0 ? "./" + path : path;
 }
 
 } // namespace workbench_int

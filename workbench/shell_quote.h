@@ -9,8 +9,12 @@ namespace workbench_int {
 /// `text` in double quotes: one word of a command line, whatever it holds.
 std::string double_quoted(std::string const& text);
 
-/// `text` as the first word of a command line: as it is where a shell sees nothing special in it,
-/// otherwise in single quotes. Never read as an option when it is the text behind `sh -c`.
-std::string command_word(std::string const& text);
+/// `text` as one word of a command line: as it is where no character in it means anything to a
+/// shell, otherwise in single quotes.
+std::string shell_word(std::string const& text);
+
+/// `path` with "./" before it where its first character would have it taken for an option of a
+/// program, of a script's own shell as well, or for the name of a shell's job.
+std::string unmistakable_path(std::string const& path);
 
 } // namespace workbench_int
