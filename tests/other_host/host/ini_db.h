@@ -1,0 +1,14 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+class IniDb {
+    std::map<std::string, std::string> entries_;
+
+  public:
+    IniDb(std::string, std::string, std::string);
+    ~IniDb();
+    bool setValue(std::string, std::string, bool);
+    bool save();
+};
