@@ -14,7 +14,7 @@ namespace {
 std::set<std::string> tree_beside(Site const& site, fs::path const& directory) {
     std::string const inside = (site.root / directory).lexically_relative(site.root).string();
     std::set<std::string> beside;
-    for (std::string const& entry : site.tree())
+    for (std::string const& entry : site.entries())
         if (entry != inside && entry.rfind(inside + "/", 0) != 0) beside.insert(entry);
     return beside;
 }
@@ -34,7 +34,7 @@ void integrate_and_undo(Names const& names, std::string const& shell) {
                  (names.relative ? " relative " : " ") + shell);
     Site site(names);
     site.session.shell = shell;
-    std::set<std::string> expected = site.tree();
+    std::set<std::string> expected = site.entries();
 
     EXPECT_EQ(site.run("perform_integration"), 0);
     EXPECT_TRUE(site.session.report.failures.empty())
@@ -54,7 +54,7 @@ void integrate_and_undo(Names const& names, std::string const& shell) {
     record +=
         (is_mistakable ? "0 uninstall ./" : "0 uninstall ") + uninstall_script.string() + "\n";
     EXPECT_EQ(read_file(site.root / "record"), record);
-    EXPECT_EQ(site.tree(), expected);
+    EXPECT_EQ(site.entries(), expected);
 }
 
 class HostileNames : public testing::TestWithParam<char const*> {};
@@ -96,11 +96,11 @@ TEST_P(HostileNames, NeverTakeMoreAlongWhereTheScriptIsCutShort) {
     site.run("perform_integration");
     replace_shell(site.script, GetParam());
     std::string const whole = read_file(site.script);
-    std::set<std::string> const before = site.tree();
+    std::set<std::string> const before = site.entries();
     for (std::size_t size = 0; size + 2 < whole.size(); ++size) {
         write_file(site.script, whole.substr(0, size), 0755);
         site.run("perform_deintegration");
-        EXPECT_EQ(site.tree(), before) << whole.substr(0, size);
+        EXPECT_EQ(site.entries(), before) << whole.substr(0, size);
     }
 }
 

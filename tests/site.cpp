@@ -9,11 +9,6 @@
 
 namespace fs = std::filesystem;
 
-trial::Plugin const& plugin() {
-    static trial::Plugin const plugin(trial::bundled_plugin());
-    return plugin;
-}
-
 std::string read_file(fs::path const& file) {
     std::ifstream stream(file);
     return {std::istreambuf_iterator<char>(stream), {}};
@@ -30,34 +25,32 @@ Site::Site(Names const& names) {
     root = folder;
     fs::current_path(root);
     fs::path const base = names.relative ? fs::path() : root;
-    fs::path const product = base / names.product;
-
     workbench = base / names.workbench;
+    product = base / names.product;
     part = product / "suite/part";
-    configuration_dir = part / names.configuration;
     integrated_dir = workbench / names.configuration;
     script = product / "suite/vorn/wb_deintegrate.sh";
-    preferences = configuration_dir / "a.prefs";
 
+    fs::path const configuration_dir = part / names.configuration;
     fs::create_directories(workbench);
     fs::create_directories(script.parent_path());
     fs::create_directories(configuration_dir / "wr-setup");
     write_file(workbench / "install.properties", "name=3.1\n");
-    std::string const append = " >>" + (root / "record").string() + "\n";
+    write_file(configuration_dir / "a.prefs", "home=\n");
     // The suffix comes behind the normalised path, and so behind a folder without a script's name.
+    std::string const append = " >>" + (root / "record").string() + "\n";
     write_file(trial::normalised((configuration_dir / "wr-setup" / names.script).string()) + ".sh",
                "#!/bin/sh\nprintf '%s setup %s\\n' $# \"$1\"" + append, 0755);
     write_file(configuration_dir / "wr-setup/uninst_wr_qev.sh",
                "#!/bin/sh\nprintf '%s uninstall %s\\n' $# \"$0\"" + append, 0755);
-    write_file(preferences, "a=1\nhome=\nb=2");
 
     session.variables = {{"log_file", (root / "log").string()},
-                         {"DEFAULT_SEARCH_PATH", workbench.string()},
+                         {"DEFAULT_SEARCH_PATH", "/absent  " + workbench.string() + "//"},
                          {"WB_INTEGRATION_PATH", workbench.string()},
-                         {"SUPPORTED_VERSION", "3.1;"},
+                         {"SUPPORTED_VERSION", "2.0;3.1;4.0;5"},
                          {"WB_INSTALL_SUBDIR", "/suite/part"},
-                         {"VORN_INSTALL_DIR", product.string()},
-                         {"VORN_INSTALL_SUBDIR", "/suite"},
+                         {"VORN_INSTALL_DIR", product.string() + "/"},
+                         {"VORN_INSTALL_SUBDIR", "/suite/"},
                          {"WORKBENCH_SCRIPT_NAME", names.script},
                          {"WB_PREFS", ".prefs"},
                          {"WB_PREFS_INST_DIR", "home"}};
@@ -72,26 +65,9 @@ Site::~Site() {
 }
 
 int Site::run(std::string const& action) {
+    static trial::Plugin const plugin(trial::bundled_plugin());
     session.calls.clear();
-    return session.run(plugin().action(action));
-}
-
-std::vector<std::string> Site::calls(std::string const& operation) const {
-    std::vector<std::string> calls;
-    for (std::string call : session.calls) {
-        for (std::size_t at = 0; (at = call.find(root.string())) != std::string::npos;)
-            call.erase(at, root.string().size());
-        if (call.rfind(operation, 0) == 0) calls.push_back(call);
-    }
-    return calls;
-}
-
-std::vector<std::string> Site::log() const {
-    std::string const begin = "print_log(\"";
-    std::vector<std::string> lines = calls(begin);
-    for (std::string& line : lines)
-        line = line.substr(begin.size(), line.size() - begin.size() - 2);
-    return lines;
+    return session.run(plugin.action(action));
 }
 
 trial::Component& Site::add_component(std::string const& name, std::vector<std::string> files) {
@@ -101,9 +77,17 @@ trial::Component& Site::add_component(std::string const& name, std::vector<std::
     return *session.components.emplace_back(std::move(component));
 }
 
-std::set<std::string> Site::tree() const {
-    std::set<std::string> tree;
+std::string Site::calls() const {
+    std::string calls;
+    for (std::string const& call : session.calls) calls += call + "\n";
+    for (std::size_t at = 0; (at = calls.find(root.string())) != std::string::npos;)
+        calls.erase(at, root.string().size());
+    return calls;
+}
+
+std::set<std::string> Site::entries() const {
+    std::set<std::string> entries;
     for (fs::directory_entry const& entry : fs::recursive_directory_iterator(root))
-        tree.insert(entry.path().lexically_relative(root).string());
-    return tree;
+        entries.insert(entry.path().lexically_relative(root).string());
+    return entries;
 }

@@ -20,38 +20,31 @@ struct Names {
 /// A folder of its own with a workbench and an installed product, and a session about them. While
 /// it exists the folder is the working directory. The setup and the uninstall script append what
 /// they were given to the file "record".
-class Site {
-  public:
+struct Site {
     explicit Site(Names const& names = {});
     ~Site();
     Site(Site const&) = delete;
     Site& operator=(Site const&) = delete;
 
-    std::filesystem::path root;
-    std::filesystem::path workbench;
-    std::filesystem::path part; ///< the product's workbench component
-    std::filesystem::path configuration_dir;
-    std::filesystem::path integrated_dir;
-    std::filesystem::path script;      ///< the de-integration script
-    std::filesystem::path preferences; ///< a preferences file of the product
-    trial::Session session;
-
-    /// Runs an action of the plug-in; `calls` then holds the host calls of this action alone.
+    /// Runs an action of the plug-in. `session.calls` are then those of this action alone.
     int run(std::string const& action);
-
-    /// The host calls of the last action, with "/" for the site's folder, whose operation begins
-    /// with `operation`.
-    std::vector<std::string> calls(std::string const& operation = "") const;
-
-    /// The lines that the last action logged.
-    std::vector<std::string> log() const;
 
     trial::Component& add_component(std::string const& name, std::vector<std::string> files);
 
+    /// The host calls since the last action began, a line each, with "/" for the site's folder.
+    std::string calls() const;
+
     /// Everything below the site's folder, by its path there.
-    std::set<std::string> tree() const;
+    std::set<std::string> entries() const;
+
+    std::filesystem::path root;
+    std::filesystem::path workbench;
+    std::filesystem::path product;
+    std::filesystem::path part; ///< the product's workbench component
+    std::filesystem::path integrated_dir;
+    std::filesystem::path script; ///< the de-integration script
+    trial::Session session;
 };
 
-trial::Plugin const& plugin();
 std::string read_file(std::filesystem::path const& file);
 void write_file(std::filesystem::path const& file, std::string const& text, unsigned mode = 0644);

@@ -16,39 +16,39 @@ using Texts = std::vector<std::string>;
 
 namespace {
 
-/// A locale in which "," is white space and every byte of a file is changed on its way.
-std::locale hostile_locale() {
+/// As global locale, one in which "," is white space and a file's bytes change on their way.
+class HostileLocale {
+  public:
+    HostileLocale() : previous_(std::locale::global({{{}, new Comma}, new Shift})) {}
+    ~HostileLocale() { std::locale::global(previous_); }
+    HostileLocale(HostileLocale const&) = delete;
+    HostileLocale& operator=(HostileLocale const&) = delete;
+
+  private:
     struct Comma : std::ctype<char> {
         Comma() : std::ctype<char>(table()) {}
         static mask const* table() {
             static std::vector<mask> masks(classic_table(), classic_table() + table_size);
             masks[','] |= space;
-            masks['\t'] = print;
             return masks.data();
         }
     };
     struct Shift : std::codecvt<char, char, std::mbstate_t> {
         bool do_always_noconv() const noexcept override { return false; }
-        result do_in(std::mbstate_t&, char const* from, char const* from_end,
-                     char const*& from_next, char* to, char* to_end,
-                     char*& to_next) const override {
-            for (from_next = from, to_next = to; from_next != from_end && to_next != to_end;)
+        result do_in(std::mbstate_t&, char const* from, char const* end, char const*& from_next,
+                     char* to, char* to_end, char*& to_next) const override {
+            for (from_next = from, to_next = to; from_next != end && to_next != to_end;)
                 *to_next++ = static_cast<char>(*from_next++ + 1);
             return ok;
         }
-        result do_out(std::mbstate_t& state, char const* from, char const* from_end,
+        result do_out(std::mbstate_t& state, char const* from, char const* end,
                       char const*& from_next, char* to, char* to_end,
                       char*& to_next) const override {
-            return do_in(state, from, from_end, from_next, to, to_end, to_next);
+            return do_in(state, from, end, from_next, to, to_end, to_next);
         }
     };
-    return std::locale(std::locale(std::locale::classic(), new Comma), new Shift);
-}
 
-struct GlobalLocale {
-    std::locale previous;
-    explicit GlobalLocale(std::locale const& now) : previous(std::locale::global(now)) {}
-    ~GlobalLocale() { std::locale::global(previous); }
+    std::locale previous_;
 };
 
 } // namespace
@@ -62,16 +62,16 @@ TEST(SplitByDelimiter, KeepsEveryFieldButTheOneBehindALastDelimiter) {
         {"", ';', {}},
         {"A", ';', {"A"}},
         {"A;B", ';', {"A", "B"}},
-        {"A;;B", ';', {"A", "", "B"}},
-        {";A", ';', {"", "A"}},
-        {"A;", ';', {"A"}},
-        {"A;;", ';', {"A", ""}},
         {";", ';', {""}},
+        {"A;", ';', {"A"}},
+        {"A;;B", ';', {"A", "", "B"}},
         {";;", ';', {"", ""}},
-        {"A; B\n", ';', {"A", " B\n"}},
-        {"/a  /b ", ' ', {"/a", "", "/b"}},
-        {"/a\t/b", ' ', {"/a\t/b"}},
-        {std::string("a\0b\xff", 4), '\0', {"a", "b\xff"}},
+        {"A;;", ';', {"A", ""}},
+        {";A", ';', {"", "A"}},
+        {"a\tb", ' ', {"a\tb"}},
+        {"a\n ", ' ', {"a\n"}},
+        {"a  b", ' ', {"a", "", "b"}},
+        {{0, 'a', 0}, 0, {"", "a"}},
     };
     for (auto const& [text, delimiter, fields] : cases)
         EXPECT_EQ(split_by_delimiter(text, delimiter), fields) << testing::PrintToString(text);
@@ -79,6 +79,7 @@ TEST(SplitByDelimiter, KeepsEveryFieldButTheOneBehindALastDelimiter) {
 
 TEST(IsSupported, FindsTheKeyWithinAWord) {
     std::string const block(64 * 1024, 'x');
+    std::string const words = "name=a b\tc\nd\re\vf\fg,h";
     struct {
         std::string content, key;
         bool found;
@@ -86,43 +87,37 @@ TEST(IsSupported, FindsTheKeyWithinAWord) {
         {"name=3.1\n", "name=3.1", true},
         {"a=b\nname=3.1.2", "name=3", true},
         {"#hostname=3.1", "name=3.1", true},
+        {"name=na name=name=3", "name=3", true},
         {"name = 3.1\n", "name=3.1", false},
         {"NAME=3.1\n", "name=3.1", false},
         {"name=3.1", "name=3.10", false},
-        {"name=na name=name=3", "name=3", true},
         {"", "x", false},
-        {" \n", "", true},
         {"", "", true},
-        {"name=a b\tc\nd\re\vf\fg", "a b", false},
-        {"name=a b\tc\nd\re\vf\fg", "b\tc", false},
-        {"name=a b\tc\nd\re\vf\fg", "c\nd", false},
-        {"name=a b\tc\nd\re\vf\fg", "d\re", false},
-        {"name=a b\tc\nd\re\vf\fg", "e\vf", false},
-        {"name=a b\tc\nd\re\vf\fg", "f\fg", false},
-        {"name=a,\xa0z", "a,\xa0z", true},
-        {std::string("na\0me=3", 7), "name=3", false},
+        {words, "g,h", true},
+        {words, "a b", false},
+        {words, "b\tc", false},
+        {words, "c\nd", false},
+        {words, "d\re", false},
+        {words, "e\vf", false},
+        {words, "f\fg", false},
         {block.substr(1) + "name=3.1", "name=3.1", true},
-        {block.substr(4) + "name=3.1", "name=3.1", true},
         {block.substr(8) + "name=3.1", "name=3.1", true},
         {block + "name=3.1", "name=3.1", true},
         {block + block, block + "xx", true},
-        {block.substr(4) + "name" + "\n=3.1", "name=3.1", false},
+        {block.substr(4) + "name\n=3.1", "name=3.1", false},
     };
     Site site;
-    GlobalLocale const hostile(hostile_locale());
     for (auto const& [content, key, found] : cases) {
-        {
-            GlobalLocale const plain(std::locale::classic());
-            write_file("properties", content);
-        }
+        write_file("properties", content);
+        HostileLocale const locale;
         site.session.calls.clear();
         EXPECT_EQ(is_supported("properties", key), found)
-            << "key " << testing::PrintToString(key) << " in " << content.size() << " bytes "
-            << testing::PrintToString(content.substr(0, 40));
-        EXPECT_EQ(site.log(), found ? Texts{"workbench_int: " + key + " is found"} : Texts{});
+            << testing::PrintToString(key) << " in "
+            << testing::PrintToString(content).substr(0, 40);
+        EXPECT_EQ(site.session.calls.size(), found ? 1U : 0U) << "a log line, and only when found";
     }
     EXPECT_FALSE(is_supported("absent", ""));
-    EXPECT_FALSE(is_supported(site.workbench, "x")) << "a folder opens, and fails to be read";
+    EXPECT_FALSE(is_supported("workbench", "x")) << "a folder opens, but cannot be read";
 }
 
 TEST(GetWbIntegration, CutsTheNameFromTheFirstPathWithTheMarker) {
@@ -130,16 +125,15 @@ TEST(GetWbIntegration, CutsTheNameFromTheFirstPathWithTheMarker) {
         Texts files;
         std::string name;
     } const cases[] = {
+        {{}, ""},
         {{"cfg/wr-qev-1.0/x"}, "wr-qev-1.0/"},
         {{"cfg/wr-qev-7"}, "wr-qev-7"},
         {{"wr-qev-"}, "wr-qev-"},
         {{"opt\\tools\\wr-qev-10.3.1\\setup"}, "wr-qev-10.3"},
-        {{"wr-qev-1.0/wr-qev-2.0/x"}, "wr-qev-1.0/"},
-        {{"wr-wr-qev-1.0a"}, "wr-qev-1.0a"},
-        {{"x\\wr-qev-1.0\\y"}, "wr-qev-1.0/"},
+        {{"x\\wr-qev-1\\y\\z"}, "wr-qev-1/y/"},
+        {{"wr-wr-qev-1.0/wr-qev-2.0/x"}, "wr-qev-1.0/"},
         {{"a/WR-QEV-1.0/b", "a/wr-qev", "wr\\qev-1.0"}, ""},
         {{"", "a", "b/wr-qev-1.0a", "b/wr-qev-2.0a"}, "wr-qev-1.0a"},
-        {{}, ""},
     };
     for (auto const& [files, name] : cases) {
         Site site;
@@ -150,58 +144,19 @@ TEST(GetWbIntegration, CutsTheNameFromTheFirstPathWithTheMarker) {
     }
 }
 
-TEST(GetWbIntegration, AsksNothingBeyondItsFirstMatch) {
-    Site site;
-    site.session.components.clear();
-    site.session.components.push_back(nullptr);
-    site.add_component("", {"wr-qev-0.0a"});
-    site.add_component("off", {"wr-qev-0.0b"}).install_condition = false;
-    site.add_component("none", {"x"}).file_provider = nullptr;
-    site.add_component("docs", {});
-    site.add_component("files", {"", "share\\readme.txt", "wb\\wr-qev-4.2a\\x.ini", "wr-qev-9.9z"});
-    site.add_component("later", {"wr-qev-9.9z"});
-    std::vector<Component*> const components = site.session.tsd.components();
-    site.session.calls.clear();
-
-    EXPECT_EQ(get_wb_integration(components), "wr-qev-4.2a");
-    EXPECT_EQ(
-        site.calls(),
-        (Texts{
-            R"("off".installCondition() = 0)",
-            R"("none".installCondition() = 1)",
-            R"("none".provider() = null)",
-            R"("docs".installCondition() = 1)",
-            R"("docs".provider() = set)",
-            R"(query("", "docs", "") = null)",
-            R"("files".installCondition() = 1)",
-            R"("files".provider() = set)",
-            R"(query("", "files", "") = set)",
-            R"("files".provider() = set)",
-            R"(fileList(set) = {"", "share\\readme.txt", "wb\\wr-qev-4.2a\\x.ini", "wr-qev-9.9z"})",
-            R"(print_log("workbench_int: current_file: share\\readme.txt"))",
-            R"(print_log("workbench_int: current_file: wb\\wr-qev-4.2a\\x.ini"))",
-            R"(print_log("workbench_int: found workbench configuration: wb/wr-qev-4.2a/x.ini"))",
-        }));
-}
-
 TEST(CreateDeintegrationScript, WritesThreeLinesInPlaceOfWhatWasThere) {
-    struct {
-        std::string config_dir, uninstall_script, removed;
-    } const cases[] = {
-        {"/opt/wb//wr-qev-4.2a/", "/opt/wb/wr-qev-4.2a", "/opt/wb/wr-qev-4.2a"},
-        {"/opt/b\xc3\xbc-r_o+,:@%1/c", "/opt/b\xc3\xbc-r_o+,:@%1/c", "/opt/b\xc3\xbc-r_o+,:@%1/c"},
-    };
     Site site;
-    GlobalLocale const hostile(hostile_locale());
     mode_t const mask = umask(077);
-    for (auto const& [config_dir, uninstall_script, removed] : cases) {
+    for (std::string const config_dir : {"/opt/wb/wr-qev-4.2a", "/b\xc3\xbc-r_o+,:@%1/c"}) {
         fs::remove(site.script);
-        EXPECT_EQ(create_deintegration_script(site.script, "/" + std::string(5000, 'x')), 0);
-        EXPECT_EQ(create_deintegration_script(site.script, config_dir), 0);
-        GlobalLocale const plain(std::locale::classic());
-        EXPECT_EQ(read_file(site.script), "#!/bin/sh\n/bin/sh -c \"" + uninstall_script +
-                                              "/wr-setup/uninst_wr_qev.sh\"\nrm -rf \"" + removed +
-                                              "\"\n");
+        {
+            HostileLocale const locale;
+            EXPECT_EQ(create_deintegration_script(site.script, std::string(5000, 'x')), 0);
+            EXPECT_EQ(create_deintegration_script(site.script, config_dir + "//"), 0);
+        }
+        EXPECT_EQ(read_file(site.script), "#!/bin/sh\n/bin/sh -c \"" + config_dir +
+                                              "/wr-setup/uninst_wr_qev.sh\"\nrm -rf \"" +
+                                              config_dir + "\"\n");
         EXPECT_EQ(fs::status(site.script).permissions(), fs::perms{0755});
     }
     umask(mask);
@@ -209,11 +164,7 @@ TEST(CreateDeintegrationScript, WritesThreeLinesInPlaceOfWhatWasThere) {
 
 TEST(CreateDeintegrationScript, AsksForNoPathWhereItCannotOpenItsFile) {
     Site site;
-    std::set<std::string> const before = site.tree();
     EXPECT_EQ(create_deintegration_script("absent/script.sh", "/opt/wb"), -1);
-    EXPECT_EQ(site.calls(), (Texts{
-                                R"(print_log("workbench_int: trying to create absent/script.sh"))",
-                                R"(print_log("workbench_int: failed to open absent/script.sh"))",
-                            }));
-    EXPECT_EQ(site.tree(), before);
+    EXPECT_EQ(site.calls(), "print_log(\"workbench_int: trying to create absent/script.sh\")\n"
+                            "print_log(\"workbench_int: failed to open absent/script.sh\")\n");
 }

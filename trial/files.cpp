@@ -2,10 +2,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
-#include <utility>
-#include <vector>
-
 namespace fs = std::filesystem;
 
 namespace trial {
@@ -23,12 +19,15 @@ struct FreshFile {
 };
 
 void copy_entry(fs::directory_entry const& entry, fs::path const& target) {
-    if (entry.is_symlink())
+    if (entry.is_symlink()) {
         replace_file(target, [&](fs::path const& fresh) { fs::copy_symlink(entry, fresh); });
-    else if (entry.is_directory())
+    } else if (entry.is_directory()) {
         fs::create_directory(target);
-    else
+        copy_tree(entry, target);
+        fs::permissions(target, entry.status().permissions());
+    } else {
         replace_file(target, [&](fs::path const& fresh) { fs::copy_file(entry, fresh); });
+    }
 }
 
 } // namespace
@@ -51,17 +50,8 @@ void copy_tree(fs::path const& source, fs::path const& destination) {
     if (!fs::is_directory(destination))
         throw fs::filesystem_error("copy", destination,
                                    std::make_error_code(std::errc::not_a_directory));
-
-    // A directory gets its mode when all is in it: it may be one that forbids writing.
-    std::vector<std::pair<fs::path, fs::perms>> modes;
-    for (fs::directory_entry const& entry : fs::recursive_directory_iterator(source)) {
-        fs::path const target = destination / entry.path().lexically_relative(source);
-        copy_entry(entry, target);
-        if (entry.is_directory() && !entry.is_symlink())
-            modes.emplace_back(target, entry.status().permissions());
-    }
-    std::reverse(modes.begin(), modes.end());
-    for (auto const& [directory, mode] : modes) fs::permissions(directory, mode);
+    for (fs::directory_entry const& entry : fs::directory_iterator(source))
+        copy_entry(entry, destination / entry.path().filename());
 }
 
 } // namespace trial

@@ -1,10 +1,13 @@
 #include "host/ini_db.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <new>
 #include <stdexcept>
+#include <system_error>
 
 #include "trial/files.h"
 #include "trial/session.h"
@@ -55,7 +58,7 @@ std::string with_entry(std::string const& text, std::string const& key,
 
 std::string read_file(fs::path const& file) {
     std::ifstream stream(file);
-    if (!stream.is_open()) throw std::runtime_error("it cannot be read");
+    if (!stream.is_open()) throw std::runtime_error(std::strerror(errno));
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
@@ -63,7 +66,7 @@ void write_file(fs::path const& file, std::string const& text) {
     std::ofstream stream(file);
     stream << text;
     stream.close();
-    if (!stream) throw std::runtime_error("it cannot be written; is the disk full?");
+    if (!stream) throw std::runtime_error(std::strerror(errno));
 }
 
 /// Throws std::runtime_error, and leaves the file as it was, where it cannot be done.
@@ -74,7 +77,9 @@ void save_entry(fs::path const& listed, std::string const& key, std::string cons
     if (entry.find('\n') != std::string::npos)
         throw std::runtime_error("the key or the value holds a line end");
 
-    fs::path const file = fs::canonical(listed);
+    std::error_code error;
+    fs::path const file = fs::canonical(listed, error);
+    if (error) throw std::runtime_error(error.message());
     std::string const text = with_entry(read_file(file), key, separator, entry);
     trial::replace_file(file, [&](fs::path const& fresh) {
         write_file(fresh, text);

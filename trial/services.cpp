@@ -37,7 +37,9 @@ void call_on_disk(std::string const& text, Work work) {
         try {
             work();
         } catch (fs::filesystem_error const& error) {
-            session.fail(text + " failed: " + error.code().message() + ": " +
+            bool const is_disk_full = error.code() == std::errc::io_error;
+            session.fail(text + " failed: " + error.code().message() +
+                         (is_disk_full ? " (is the disk full?): " : ": ") +
                          show(error.path1().string()));
         }
     });

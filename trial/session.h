@@ -66,6 +66,7 @@ class Session : public session_t {
     /// Where set, called with the text of each host call before it is done. What it throws comes
     /// out of the call.
     std::function<void(std::string const& call)> before_call;
+    bool in_host_call = false; ///< whether it is the host that is at work, and not the plug-in
 
     /// Runs one action and returns its result. `report` is then about this action.
     int run(int (*action)(session_t*));
@@ -75,6 +76,7 @@ class Session : public session_t {
     template <typename Work>
     auto call(std::string const& text, Work work) {
         if (before_call) before_call(text);
+        HostCall const mark(in_host_call);
         if constexpr (std::is_void_v<decltype(work())>) {
             work();
             record(text);
@@ -98,6 +100,12 @@ class Session : public session_t {
     void expect_deintegration_script(std::string const& file) { deintegration_script_ = file; }
 
   private:
+    struct HostCall {
+        bool& mark;
+        explicit HostCall(bool& in_host_call) : mark(in_host_call) { mark = true; }
+        ~HostCall() { mark = false; }
+    };
+
     void check_deintegration_script();
 
     std::ofstream log_;

@@ -1,0 +1,147 @@
+What the plug-in by design does not notice: the action goes on as it should, wb-trial tells what
+went wrong and exits with 1, and no file that was there before is lost or half written.
+
+  $ . "$TESTDIR/site.sh"
+  $ config=product/suite/part/wr-qev-1.0a
+  $ keep() { find . -type f ! -name log -exec sha256sum {} + >"$TMPDIR/sums"; }
+  $ kept() { sha256sum --quiet -c "$TMPDIR/sums" && find . -name '*.wb-trial-*'; }
+  $ on_full_disk() { (trap '' XFSZ; ulimit -f 0; "$@"); }
+
+A workbench that turned read-only:
+
+  $ chmod 555 workbench; keep; unprivileged bash -c "$(declare -f wb integrate); integrate"
+  perform_integration returned 127
+    failed: folder_create("./workbench/wr-qev-1.0a", 0755) failed: Permission denied: "./workbench/wr-qev-1.0a"
+    failed: dir_copy("./product/suite/part/wr-qev-1.0a", "./workbench/wr-qev-1.0a") failed: Not a directory: "./workbench/wr-qev-1.0a"
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127 and said:
+      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
+  [1]
+  $ kept
+
+A full disk, the first time and over an earlier integration:
+
+  $ site; keep; on_full_disk integrate
+  workbench_int: perform_integration entered
+  workbench_int: current_file: share\readme.txt
+  workbench_int: current_file: part/wr-qev-1.0a/a.prefs
+  workbench_int: found workbench configuration: part/wr-qev-1.0a/a.prefs
+  workbench_int: path to workbench: ./workbench
+  workbench_int: running command: "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part"
+  workbench_int: out: /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
+  
+  workbench_int: trying to create ./product/suite/vorn/wb_deintegrate.sh
+  perform_integration returned 127
+    failed: the log cannot be written, its lines go to standard error
+    failed: dir_copy(*) failed: File too large: * (glob)
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127 and said:
+      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
+    failed: the de-integration script "./product/suite/vorn/wb_deintegrate.sh" was written only in part; is the disk full?
+  [1]
+  $ kept; site; integrate >/dev/null; rm product/suite/vorn/wb_deintegrate.sh
+  $ echo c=3 >>$config/a.prefs; keep; on_full_disk integrate
+  workbench_int: perform_integration entered
+  workbench_int: current_file: share\readme.txt
+  workbench_int: current_file: part/wr-qev-1.0a/a.prefs
+  workbench_int: found workbench configuration: part/wr-qev-1.0a/a.prefs
+  workbench_int: path to workbench: ./workbench
+  workbench_int: running command: "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part"
+  workbench_int: out: setup, 1 arguments: ./product/suite/part
+  
+  workbench_int: trying to create ./product/suite/vorn/wb_deintegrate.sh
+  perform_integration returned 0
+    failed: the log cannot be written, its lines go to standard error
+    failed: dir_copy(*) failed: File too large: * (glob)
+    failed: the de-integration script "./product/suite/vorn/wb_deintegrate.sh" was written only in part; is the disk full?
+  [1]
+  $ kept
+
+A product tree that is gone, and a file where its copy is to lie:
+
+  $ site; sed -i 's|share.readme.txt|part/wr-qev-1.0a/x|' s.toml; rm -r $config; keep; integrate
+  perform_integration returned 127
+    failed: dir_copy("./product/suite/part/wr-qev-1.0a", "./workbench/wr-qev-1.0a") failed: No such file or directory: "./product/suite/part/wr-qev-1.0a"
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127 and said:
+      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
+  [1]
+  $ kept; site; echo mine >workbench/wr-qev-1.0a; keep; integrate
+  perform_integration returned 127
+    failed: folder_create("./workbench/wr-qev-1.0a", 0755) failed: Not a directory: "./workbench/wr-qev-1.0a"
+    failed: dir_copy("./product/suite/part/wr-qev-1.0a", "./workbench/wr-qev-1.0a") failed: Not a directory: "./workbench/wr-qev-1.0a"
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127 and said:
+      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
+  [1]
+  $ kept
+
+A setup script that is not executable, fails, is killed or is missing:
+
+  $ site; chmod -x $config/wr-setup/setup.sh; integrate
+  perform_integration returned 126
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 126 and said:
+      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: Permission denied
+  [1]
+  $ site; printf '#!/bin/sh\necho oh >&2\nexit 3\n' >$config/wr-setup/setup.sh; integrate
+  perform_integration returned 3
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 3 and said:
+      oh
+  [1]
+  $ site; printf '#!/bin/sh\nkill -9 $$\n' >$config/wr-setup/setup.sh; integrate
+  perform_integration returned 137
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 137 and said:
+      Killed
+  [1]
+  $ site; integrate --set WORKBENCH_SCRIPT_NAME=absent
+  perform_integration returned 127
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/absent.sh" "./product/suite/part" ended with status 127 and said:
+      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/absent.sh: not found
+  [1]
+
+A de-integration script that cannot be written, or is not there to be run:
+
+  $ site; rm -r product/suite/vorn; integrate
+  perform_integration returned 0
+    failed: the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written; is its folder there and writable?
+  [1]
+  $ site; wb uninstall s.toml
+  perform_deintegration returned 0
+    failed: the command "./product/suite/vorn/wb_deintegrate.sh" ended with status 127 and said:
+      /bin/sh: 1: ./product/suite/vorn/wb_deintegrate.sh: not found
+  [1]
+
+A preferences file that cannot be replaced, is not there, or has no key to be set:
+
+  $ prefs() { wb run s.toml find_wb_components init_wb_prefs "$@" | grep -A 9 init_wb; return "${PIPESTATUS[0]}"; }
+  $ chmod 555 $config; keep; unprivileged bash -c "$(declare -f wb prefs); prefs"
+  init_wb_prefs returned 0
+    failed: the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: Permission denied
+  [1]
+  $ kept; site; keep; on_full_disk prefs
+  init_wb_prefs returned 0
+    failed: the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: File too large
+  [1]
+  $ prefs --set WB_PREFS_INST_DIR=
+  init_wb_prefs returned 0
+    failed: the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: the key is empty; is WB_PREFS_INST_DIR set?
+  [1]
+  $ kept; sed -i 's|share.readme.txt|gone.prefs|' s.toml; prefs
+  init_wb_prefs returned 0
+    failed: the preferences file "./product/suite/gone.prefs" was not changed: No such file or directory
+  [1]
+
+A log that cannot be opened or written:
+
+  $ wb run s.toml find_wb_components --set log_file=absent/log
+  workbench_int: find_wb_components entered
+  workbench_int: workbench integration supported
+  find_wb_components returned 0
+    WB_INTEGRATION_SUPPORTED = "yes"
+    WB_INSTALL_SUBDIR = "/suite/part"
+    failed: the log "absent/log" cannot be opened (No such file or directory), its lines go to standard error
+  [1]
+  $ on_full_disk wb run s.toml find_wb_components
+  workbench_int: find_wb_components entered
+  workbench_int: workbench integration supported
+  find_wb_components returned 0
+    WB_INTEGRATION_SUPPORTED = "yes"
+    WB_INSTALL_SUBDIR = "/suite/part"
+    failed: the log cannot be written, its lines go to standard error
+  [1]
