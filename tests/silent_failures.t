@@ -45,7 +45,7 @@ A full disk, the first time and over an earlier integration:
   workbench_int: found workbench configuration: part/wr-qev-1.0a/a.prefs
   workbench_int: path to workbench: ./workbench
   workbench_int: running command: "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part"
-  workbench_int: out: setup, 1 arguments: ./product/suite/part
+  workbench_int: out: setup, arguments: 1 ./product/suite/part
   
   workbench_int: trying to create ./product/suite/vorn/wb_deintegrate.sh
   perform_integration returned 0

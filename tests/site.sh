@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by the transcripts: lays out a workbench, an installed product and a session about them.
 PATH=$WB_TRIAL_DIR:$PATH
 
@@ -6,7 +7,8 @@ site() {
     mkdir -p workbench product/suite/vorn product/suite/part/wr-qev-1.0a/wr-setup
     echo name=3.1 >workbench/install.properties
     cd product/suite/part/wr-qev-1.0a || exit
-    printf '#!/bin/sh\necho "setup, %s arguments: $1"\n' "\$#" >wr-setup/setup.sh
+    # shellcheck disable=SC2016 # for the script's own shell
+    printf '#!/bin/sh\necho "setup, arguments: $# $1"\n' >wr-setup/setup.sh
     printf '#!/bin/sh\necho uninstall\n' >wr-setup/uninst_wr_qev.sh
     chmod +x wr-setup/*
     printf 'a=1\nhome=\nb=2' >a.prefs

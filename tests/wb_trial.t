@@ -27,7 +27,7 @@ An install, and how it is undone:
   workbench_int: found workbench configuration: part/wr-qev-1.0a/a.prefs
   workbench_int: path to workbench: ./workbench
   workbench_int: running command: "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part"
-  workbench_int: out: setup, 1 arguments: ./product/suite/part
+  workbench_int: out: setup, arguments: 1 ./product/suite/part
   
   workbench_int: trying to create ./product/suite/vorn/wb_deintegrate.sh
   workbench_init:: found WB prefs file: <part/wr-qev-1.0a/a.prefs>

@@ -21,7 +21,7 @@ Plugin::Plugin(fs::path const& file)
 fs::path bundled_plugin() {
     fs::path const directory = fs::read_symlink("/proc/self/exe").parent_path();
     for (char const* const place : {".", TRIAL_LIBRARY_FROM_PROGRAM}) {
-        fs::path const library = (directory / place / TRIAL_LIBRARY_NAME).lexically_normal();
+        fs::path library = (directory / place / TRIAL_LIBRARY_NAME).lexically_normal();
         if (fs::exists(library)) return library;
     }
     throw StartError((directory / TRIAL_LIBRARY_NAME).string() +

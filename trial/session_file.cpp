@@ -123,7 +123,7 @@ class Reader {
     }
 
     StartError error(toml::node const& at, std::string const& what) {
-        return StartError(file_ + ":" + std::to_string(at.source().begin.line) + ": " + what);
+        return StartError{file_ + ":" + std::to_string(at.source().begin.line) + ": " + what};
     }
 
     std::string file_;

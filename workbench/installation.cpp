@@ -12,7 +12,7 @@ namespace {
 /// Whether `key` stands in what is left of the stream. Reads block by block and keeps the end of
 /// one block for the next, so that a file of any size, even of a single word, costs little memory.
 bool contains(std::istream& stream, std::string const& key) {
-    constexpr std::size_t block_size = 64 * 1024;
+    constexpr std::size_t block_size = std::size_t{16} * 1024;
     std::size_t const overlap = key.empty() ? 0 : key.size() - 1;
     std::string window;
     do {
