@@ -66,9 +66,9 @@ Where the workbench will not do, or there is nothing to integrate:
     warning: VORN_INSTALL_DIR was read and is not set
     warning: VORN_INSTALL_SUBDIR was read and is not set
 
-Options stand before or after the rest; actions run in the order given:
+Options stand before or after the rest, and actions run in the order given:
 
-  $ wb run --trace s.toml init_wb_prefs --set WB_PREFS=x=y find_wb_components
+  $ wb run --trace s.toml init_wb_prefs --set WB_PREFS= find_wb_components --set log_file=x | grep -v -e print_log -e WB_PREFS
   env_get_string("VORN_INSTALL_DIR") = "./product"
   env_get_string("VORN_INSTALL_SUBDIR") = "/suite"
   path("./product//suite") = "./product/suite"
@@ -79,19 +79,12 @@ Options stand before or after the rest; actions run in the order given:
   query("", "workbench-part", "") = set
   "workbench-part".provider() = set
   fileList(set) = {"share\\readme.txt", "part/wr-qev-1.0a/a.prefs", "part/wr-qev-1.0a/wr-setup/setup.sh", "part/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh", "vorn/wb_deintegrate.sh"}
-  env_get_string("WB_PREFS") = "x=y"
-  env_get_string("WB_PREFS") = "x=y"
-  env_get_string("WB_PREFS") = "x=y"
-  env_get_string("WB_PREFS") = "x=y"
-  env_get_string("WB_PREFS") = "x=y"
   init_wb_prefs returned 0
-  env_get_string("log_file") = "./log"
-  log_init("./log") = 0
-  print_log("workbench_int: find_wb_components entered")
+  env_get_string("log_file") = "x"
+  log_init("x") = 0
   components() = {"off-workbench", "workbench-part"}
   "off-workbench".installCondition() = 0
   "workbench-part".installCondition() = 1
-  print_log("workbench_int: workbench integration supported")
   env_set_string("WB_INTEGRATION_SUPPORTED", "yes")
   "workbench-part".subdir() = "/suite/part"
   env_set_string("WB_INSTALL_SUBDIR", "/suite/part")
@@ -99,27 +92,14 @@ Options stand before or after the rest; actions run in the order given:
     WB_INTEGRATION_SUPPORTED = "yes"
     WB_INSTALL_SUBDIR = "/suite/part"
 
-What the program says about itself:
+Installed, it finds the library that was installed with it:
 
-  $ wb-trial --version
+  $ cmake --install "$WB_TRIAL_DIR" --prefix "$PWD/usr" >/dev/null; find usr -type f | sort
+  usr/bin/wb-trial
+  usr/lib/libworkbench-int.so.1n
+  $ usr/bin/wb-trial --version; usr/bin/wb-trial run s.toml find_wb_components | head -n 1
   1.0.0
-  $ wb-trial --help
-  Runs the workbench plug-in on a product, without the installer.
-  Exit status: 0 all went well, 1 something did not, 2 nothing was run.
-  Usage: wb-trial [OPTIONS] SUBCOMMAND
-  
-  Options:
-    -h,--help                   Print this help message and exit
-    --version                   Display program version information and exit
-    --set NAME=VALUE ...        Set or override a session variable (repeatable)
-    --plugin FILE               Use this library instead of the one that came along
-    --trace                     Print every host call and its answer on standard error
-  
-  Subcommands:
-    install                     Run the five install actions
-    uninstall                   Run perform_deintegration
-    run                         Run actions in the order given
-  
+  find_wb_components returned 0
 
 Bad arguments: one message, status 2, and nothing is run:
 

@@ -43,8 +43,10 @@ int run_command_line(int argc, char const* const* argv, std::ostream& out, std::
     CLI::App* const install = app.add_subcommand("install", "Run the five install actions");
     CLI::App* const uninstall = app.add_subcommand("uninstall", "Run perform_deintegration");
     CLI::App* const run = app.add_subcommand("run", "Run actions in the order given");
-    for (CLI::App* const command : {install, uninstall, run})
+    for (CLI::App* const command : {install, uninstall, run}) {
         command->add_option("SESSION.toml", session_file, "The session file")->required();
+        command->footer("The options of wb-trial itself may stand here too, see wb-trial --help.");
+    }
     run->add_option("ACTION", actions, "The actions")
         ->required()
         ->check(CLI::IsMember(std::vector<std::string>(action_names.begin(), action_names.end())));
