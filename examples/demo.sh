@@ -13,7 +13,7 @@ cd "$place"
 
 plugins=workbench/configuration/plugins.list
 script=product/suite/vorn/wb_deintegrate.sh
-preferences=product/suite/workbench/wr-qev-4.2a/preferences/qev.prefs
+preferences=product/suite/preferences/qev.prefs
 
 title() { printf '\n== %s\n' "$*"; }
 fail() {
@@ -32,7 +32,7 @@ show_workbench
 title "wb-trial install session.toml"
 "$wb_trial" install session.toml
 grep -qxF "qev=$place/product/suite/workbench" "$plugins" || fail "the setup script did not run"
-diff -r -x preferences product/suite/workbench/wr-qev-4.2a workbench/wr-qev-4.2a ||
+diff -r product/suite/workbench/wr-qev-4.2a workbench/wr-qev-4.2a ||
     fail "the configuration was not copied whole"
 
 title "the workbench after"

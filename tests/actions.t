@@ -121,11 +121,12 @@ Where no variable is set, every action still runs to its end:
   workbench_int: out: /bin/sh: 1: /vorn/wb_deintegrate.sh: not found
   
   perform_deintegration returned 0
+    its command said:
+      /bin/sh: 1: /vorn/wb_deintegrate.sh: not found
     warning: VORN_INSTALL_DIR was read and is not set
     warning: VORN_INSTALL_SUBDIR was read and is not set
     warning: log_file was read and is not set
-    failed: the command "/vorn/wb_deintegrate.sh" ended with status 127 and said:
-      /bin/sh: 1: /vorn/wb_deintegrate.sh: not found
+    failed: the command "/vorn/wb_deintegrate.sh" ended with status 127
   init_wb_prefs returned 0
     warning: VORN_INSTALL_DIR was read and is not set
     warning: VORN_INSTALL_SUBDIR was read and is not set

@@ -11,10 +11,11 @@ A workbench that turned read-only:
 
   $ chmod 555 workbench; keep; unprivileged bash -c "$(declare -f wb integrate); integrate"
   perform_integration returned 127
+    its command said:
+      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
     failed: folder_create("./workbench/wr-qev-1.0a", 0755) failed: Permission denied: "./workbench/wr-qev-1.0a"
     failed: dir_copy("./product/suite/part/wr-qev-1.0a", "./workbench/wr-qev-1.0a") failed: Not a directory: "./workbench/wr-qev-1.0a"
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127 and said:
-      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
   [1]
   $ kept
 
@@ -23,16 +24,19 @@ A full disk, the first time and over an earlier integration:
   $ site; keep; on_full_disk integrate
   
   perform_integration returned 127
+    its command said:
+      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
     failed: the log cannot be written, its lines go to standard error
     failed: dir_copy(*) failed: File too large: * (glob)
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127 and said:
-      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
     failed: the de-integration script "./product/suite/vorn/wb_deintegrate.sh" was written only in part; is the disk full?
   [1]
   $ kept; site; integrate >/dev/null; rm product/suite/vorn/wb_deintegrate.sh
   $ echo c=3 >>$config/a.prefs; keep; on_full_disk integrate
   
   perform_integration returned 0
+    its command said:
+      setup, arguments: 1 ./product/suite/part
     failed: the log cannot be written, its lines go to standard error
     failed: dir_copy(*) failed: File too large: * (glob)
     failed: the de-integration script "./product/suite/vorn/wb_deintegrate.sh" was written only in part; is the disk full?
@@ -43,16 +47,18 @@ A product tree that is gone, and a file where its copy is to lie:
 
   $ site; sed -i 's|share.readme.txt|part/wr-qev-1.0a/x|' s.toml; rm -r $config; keep; integrate
   perform_integration returned 127
-    failed: dir_copy("./product/suite/part/wr-qev-1.0a", "./workbench/wr-qev-1.0a") failed: No such file or directory: "./product/suite/part/wr-qev-1.0a"
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127 and said:
+    its command said:
       /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
+    failed: dir_copy("./product/suite/part/wr-qev-1.0a", "./workbench/wr-qev-1.0a") failed: No such file or directory: "./product/suite/part/wr-qev-1.0a"
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
   [1]
   $ kept; site; echo mine >workbench/wr-qev-1.0a; keep; integrate
   perform_integration returned 127
+    its command said:
+      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
     failed: folder_create("./workbench/wr-qev-1.0a", 0755) failed: Not a directory: "./workbench/wr-qev-1.0a"
     failed: dir_copy("./product/suite/part/wr-qev-1.0a", "./workbench/wr-qev-1.0a") failed: Not a directory: "./workbench/wr-qev-1.0a"
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127 and said:
-      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
   [1]
   $ kept
 
@@ -60,35 +66,46 @@ A setup script that is not executable, fails, is killed or is missing:
 
   $ site; chmod -x $config/wr-setup/setup.sh; integrate
   perform_integration returned 126
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 126 and said:
+    its command said:
       /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: Permission denied
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 126
   [1]
   $ site; printf '#!/bin/sh\necho oh >&2\nexit 3\n' >$config/wr-setup/setup.sh; integrate
   perform_integration returned 3
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 3 and said:
+    its command said:
       oh
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 3
   [1]
   $ site; printf '#!/bin/sh\nkill -9 $$\n' >$config/wr-setup/setup.sh; integrate
   perform_integration returned 137
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 137 and said:
+    its command said:
       Killed
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 137
   [1]
   $ site; integrate --set WORKBENCH_SCRIPT_NAME=absent
   perform_integration returned 127
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/absent.sh" "./product/suite/part" ended with status 127 and said:
+    its command said:
       /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/absent.sh: not found
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/absent.sh" "./product/suite/part" ended with status 127
   [1]
 
 A de-integration script that cannot be written, or is not there to be run:
 
   $ site; rm -r product/suite/vorn; integrate
   perform_integration returned 0
+    its command said:
+      setup, arguments: 1 ./product/suite/part
     failed: the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written; is its folder there and writable?
   [1]
+  $ site; integrate >/dev/null; chmod -x workbench/*/wr-setup/uninst*; wb uninstall s.toml
+  perform_deintegration returned 0
+    its command said:
+      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh: Permission denied
   $ site; wb uninstall s.toml
   perform_deintegration returned 0
-    failed: the command "./product/suite/vorn/wb_deintegrate.sh" ended with status 127 and said:
+    its command said:
       /bin/sh: 1: ./product/suite/vorn/wb_deintegrate.sh: not found
+    failed: the command "./product/suite/vorn/wb_deintegrate.sh" ended with status 127
   [1]
 
 A preferences file that cannot be replaced, is not there, or has no key to be set:

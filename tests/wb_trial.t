@@ -11,6 +11,8 @@ An install, and how it is undone:
     WB_INTEGRATION_SUPPORTED = "yes"
     WB_INSTALL_SUBDIR = "/suite/part"
   perform_integration returned 0
+    its command said:
+      setup, arguments: 1 ./product/suite/part
   init_wb_prefs returned 0
   $ cat log product/suite/vorn/wb_deintegrate.sh | sed "s|$PWD|.|g"
   workbench_int: detect_wb_in_default_path entered
@@ -36,6 +38,8 @@ An install, and how it is undone:
   rm -rf "./workbench/wr-qev-1.0a"
   $ wb uninstall s.toml; ls workbench
   perform_deintegration returned 0
+    its command said:
+      uninstall
   install.properties
 
 Where the workbench will not do, or there is nothing to integrate:
@@ -105,8 +109,7 @@ Bad arguments: one message, status 2, and nothing is run:
 
   $ find . | sort >"$TMPDIR/before"
   $ wb
-  A subcommand is required
-  Run with --help for more information.
+  wb-trial: a command is missing: install, uninstall or run; see --help
   [2]
   $ wb install
   SESSION.toml is required
@@ -123,7 +126,7 @@ Bad arguments: one message, status 2, and nothing is run:
   Run with --help for more information.
   [2]
   $ wb frobnicate s.toml
-  A subcommand is required
+  The following arguments were not expected: s.toml frobnicate
   Run with --help for more information.
   [2]
   $ wb run s.toml
@@ -194,10 +197,14 @@ The copy keeps modes and links and overwrites files; a preferences file keeps al
   $ site; cd product/suite/part/wr-qev-1.0a; mkdir dir; echo new >dir/file; chmod 640 dir/file; chmod 550 dir; ln -s dir/absent link; cd "$OLDPWD"
   $ integrate; printf '[home]\r\nhomes=1\r\n home = old=er\r\n#home=2\nlast \377' >product/suite/part/wr-qev-1.0a/a.prefs; chmod 604 product/suite/part/wr-qev-1.0a/a.prefs
   perform_integration returned 0
+    its command said:
+      setup, arguments: 1 ./product/suite/part
   $ wb run s.toml init_wb_prefs; integrate
   workbench_init:: found WB prefs file: <part/wr-qev-1.0a/a.prefs>
   init_wb_prefs returned 0
   perform_integration returned 0
+    its command said:
+      setup, arguments: 1 ./product/suite/part
   $ cd workbench/wr-qev-1.0a; stat -c '%A %N' * dir/*; sed "s|${PWD%/*/*}|.|" a.prefs | cat -v
   -rw----r-- 'a.prefs'
   dr-xr-x--- 'dir'

@@ -31,10 +31,15 @@ int run_command_line(int argc, char const* const* argv, std::ostream& out, std::
                  "Exit status: 0 all went well, 1 something did not, 2 nothing was run.",
                  "wb-trial");
     app.fallthrough();
-    app.require_subcommand(1);
+    app.require_subcommand(0, 1);
+    app.footer("wb-trial install   SESSION.toml\n"
+               "wb-trial uninstall SESSION.toml\n"
+               "wb-trial run       SESSION.toml ACTION...");
     app.set_version_flag("--version", TRIAL_VERSION);
     app.add_option("--set", settings, "Set or override a session variable (repeatable)")
         ->type_name("NAME=VALUE")
+        ->expected(1)
+        ->take_all()
         ->allow_extra_args(false);
     app.add_option("--plugin", plugin_file, "Use this library instead of the one that came along")
         ->type_name("FILE");
@@ -53,6 +58,8 @@ int run_command_line(int argc, char const* const* argv, std::ostream& out, std::
 
     try {
         app.parse(argc, argv);
+        if (app.get_subcommands().empty())
+            throw StartError("a command is missing: install, uninstall or run; see --help");
         Session session;
         session.trace = trace;
         read_session_file(session_file, session);

@@ -24,8 +24,8 @@ fs::path bundled_plugin() {
         fs::path library = (directory / place / TRIAL_LIBRARY_NAME).lexically_normal();
         if (fs::exists(library)) return library;
     }
-    throw StartError((directory / TRIAL_LIBRARY_NAME).string() +
-                     ": there is no such library; name one with --plugin");
+    throw StartError(std::string(TRIAL_LIBRARY_NAME) + " is neither in " + directory.string() +
+                     " nor in " TRIAL_LIBRARY_FROM_PROGRAM " from there; name it with --plugin");
 }
 
 } // namespace trial

@@ -72,10 +72,11 @@ bool Sequence::run(std::string const& action) {
     ActionReport const& report = session_.report;
     for (std::string const& name : report.written)
         out_ << "  " << name << " = " << show(session_.variables[name]) << '\n';
+    if (!report.output.empty())
+        out_ << "  its command said:\n    " << indented(report.output) << '\n';
     for (std::string const& name : report.unset)
         out_ << "  warning: " << name << " was read and is not set\n";
-    for (std::string const& failure : report.failures)
-        out_ << "  failed: " << indented(failure) << '\n';
+    for (std::string const& failure : report.failures) out_ << "  failed: " << failure << '\n';
     out_.flush();
     return result == 0 && report.failures.empty();
 }

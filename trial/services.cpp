@@ -151,10 +151,10 @@ std::string get_command_output(std::string command, int* status, bool flag, std:
     return session.call(call, [&]() -> std::string {
         trial::CommandOutcome const outcome = trial::run_command(session.shell, command);
         *status = outcome.status;
+        session.report.output = outcome.output;
         if (outcome.status != 0)
             session.fail("the command " + command + " ended with status " +
-                         std::to_string(outcome.status) +
-                         (outcome.output.empty() ? "" : " and said:\n" + outcome.output));
+                         std::to_string(outcome.status));
         return outcome.output;
     });
 }

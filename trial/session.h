@@ -40,6 +40,7 @@ struct Component : ::Component {
 struct ActionReport {
     std::vector<std::string> written;  ///< the variables that it wrote, in order
     std::set<std::string> unset;       ///< the variables that it read and the session does not hold
+    std::string output;                ///< what its command said
     std::vector<std::string> failures; ///< what went wrong and the plug-in passed over, in words
 };
 
