@@ -4,13 +4,14 @@ namespace workbench_int {
 
 void open_log(session_t* session) {
     std::string const file = env_get_string(session, "log_file");
-    log_init(file.c_str(), nullptr);
+    logging_state_t** const no_state = nullptr;
+    log_init(file.c_str(), no_state);
 }
 
 int run_command(std::string const& command) {
     int status = 0;
     print_log("workbench_int: running command: %s", command.c_str());
-    std::string const output = get_command_output(command, &status, true, "");
+    std::string const output = get_command_output(command, &status, true, std::string());
     print_log("workbench_int: out: %s", output.c_str());
     return status;
 }

@@ -18,7 +18,7 @@ bool is_preferences_file(session_t* session, std::string const& file) {
 }
 
 void set_location(session_t* session, std::string const& file, std::string const& location) {
-    auto const preferences = std::make_unique<IniDb>(location, file, "=");
+    auto const preferences = std::make_unique<IniDb>(location, file, std::string("="));
     std::string const key = env_get_string(session, "WB_PREFS_INST_DIR");
     preferences->setValue(key, location, true);
     preferences->save();

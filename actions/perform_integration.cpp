@@ -35,7 +35,7 @@ extern "C" int perform_integration(session_t* session) {
     }
 
     std::string const config_dir = path(workbench + "/" + configuration);
-    folder_create(config_dir, 0755);
+    folder_create(config_dir, 0755U);
     dir_copy(source_dir, config_dir);
 
     std::string const script_name = env_get_string(session, "WORKBENCH_SCRIPT_NAME");

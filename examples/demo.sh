@@ -5,7 +5,7 @@
 set -eu
 wb_trial=$(cd "$1" && pwd)/wb-trial
 examples=$(cd "$(dirname "$0")" && pwd)
-place=$(mktemp -d)
+place=$(cd "$(mktemp -d)" && pwd -P)
 trap 'rm -rf "$place"' EXIT
 cp -R "$examples/workbench" "$examples/product" "$examples/session.toml" "$place"
 cp -R "$place/workbench" "$place/before"

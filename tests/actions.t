@@ -132,3 +132,7 @@ Where no variable is set, every action still runs to its end:
     warning: VORN_INSTALL_SUBDIR was read and is not set
   [1]
   $ find . | sort | diff "$TMPDIR/before" -
+  $ wb run --trace empty.toml find_wb_components | grep log_
+  env_get_string("log_file") = ""
+  log_init("") = 0
+    warning: log_file was read and is not set

@@ -40,5 +40,10 @@ TEST(SessionFile, IsTakenOrRefusedWhateverBytesItHolds) {
             refused += is_refused(site, bytes);
     }
     EXPECT_FALSE(is_refused(site, text));
+    for (char const* const before : {"a", "[a", "a={a"}) {
+        std::string deep = before;
+        for (int depth = 0; depth < 300000; ++depth) deep += ".a";
+        EXPECT_TRUE(is_refused(site, "\n" + deep + "=1")) << before;
+    }
     EXPECT_GT(refused, 2 * text.size());
 }

@@ -62,6 +62,23 @@ A product tree that is gone, and a file where its copy is to lie:
   [1]
   $ kept
 
+A copy that would lead out of the workbench through a link, or into itself:
+
+  $ site; mkdir outside workbench/wr-qev-1.0a; ln -s ../../outside workbench/wr-qev-1.0a/wr-setup; integrate
+  perform_integration returned 127
+    its command said:
+      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
+    failed: dir_copy("./product/suite/part/wr-qev-1.0a", "./workbench/wr-qev-1.0a") failed: Not a directory: "./workbench/wr-qev-1.0a/wr-setup"
+    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
+  [1]
+  $ ls outside; site; integrate --set WB_INTEGRATION_PATH=$config
+  perform_integration returned 127
+    its command said:
+      /bin/sh: 1: product/suite/part/wr-qev-1.0a/wr-qev-1.0a/wr-setup/setup.sh: not found
+    failed: dir_copy("./product/suite/part/wr-qev-1.0a", "product/suite/part/wr-qev-1.0a/wr-qev-1.0a") failed: Invalid argument: "product/suite/part/wr-qev-1.0a/wr-qev-1.0a"
+    failed: the command "product/suite/part/wr-qev-1.0a/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
+  [1]
+
 A setup script that is not executable, fails, is killed or is missing:
 
   $ site; chmod -x $config/wr-setup/setup.sh; integrate
@@ -91,6 +108,12 @@ A setup script that is not executable, fails, is killed or is missing:
 
 A de-integration script that cannot be written, or is not there to be run:
 
+  $ site; mkdir product/suite/vorn/wb_deintegrate.sh; integrate
+  perform_integration returned 0
+    its command said:
+      setup, arguments: 1 ./product/suite/part
+    failed: the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written; is its folder there and writable?
+  [1]
   $ site; rm -r product/suite/vorn; integrate
   perform_integration returned 0
     its command said:
@@ -122,6 +145,10 @@ A preferences file that cannot be replaced, is not there, or has no key to be se
   $ prefs --set WB_PREFS_INST_DIR=
   init_wb_prefs returned 0
     failed: the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: the key is empty; is WB_PREFS_INST_DIR set?
+  [1]
+  $ kept; prefs --set WB_PREFS_INST_DIR=a=b
+  init_wb_prefs returned 0
+    failed: the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: the key or the value does not fit into a line of such a file
   [1]
   $ kept; sed -i 's|share.readme.txt|gone.prefs|' s.toml; prefs
   init_wb_prefs returned 0

@@ -38,7 +38,7 @@ Site::Site(Names const& names) {
     write_file(workbench / "install.properties", "name=3.1\n");
     write_file(configuration_dir / "a.prefs", "home=\n");
     // The suffix comes behind the normalised path, and so behind a folder without a script's name.
-    std::string const append = " >>" + (root / "record").string() + "\n";
+    std::string const append = " >>'" + (root / "record").string() + "'\n";
     write_file(trial::normalised((configuration_dir / "wr-setup" / names.script).string()) + ".sh",
                "#!/bin/sh\nprintf '%s setup %s\\n' $# \"$1\"" + append, 0755);
     write_file(configuration_dir / "wr-setup/uninst_wr_qev.sh",

@@ -1,6 +1,7 @@
 # shellcheck shell=bash
 # Sourced by the transcripts: lays out a workbench, an installed product and a session about them.
 PATH=$WB_TRIAL_DIR:$PATH
+umask 022
 
 site() {
     rm -rf -- *

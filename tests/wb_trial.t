@@ -105,6 +105,12 @@ Installed, it finds the library that was installed with it:
   1.0.0
   find_wb_components returned 0
 
+A report that cannot be written is a failure:
+
+  $ wb-trial run s.toml find_wb_components >/dev/full
+  wb-trial: the report cannot be written
+  [1]
+
 Bad arguments: one message, status 2, and nothing is run:
 
   $ find . | sort >"$TMPDIR/before"
@@ -195,17 +201,11 @@ A bad session file likewise:
 The copy keeps modes and links and overwrites files; a preferences file keeps all other bytes:
 
   $ site; cd product/suite/part/wr-qev-1.0a; mkdir dir; echo new >dir/file; chmod 640 dir/file; chmod 550 dir; ln -s dir/absent link; cd "$OLDPWD"
-  $ integrate; printf '[home]\r\nhomes=1\r\n home = old=er\r\n#home=2\nlast \377' >product/suite/part/wr-qev-1.0a/a.prefs; chmod 604 product/suite/part/wr-qev-1.0a/a.prefs
-  perform_integration returned 0
-    its command said:
-      setup, arguments: 1 ./product/suite/part
-  $ wb run s.toml init_wb_prefs; integrate
+  $ integrate >/dev/null; printf '[home]\r\nhomes=1\r\n home = old=er\r\n#home=2\nlast \377' >product/suite/part/wr-qev-1.0a/a.prefs; chmod 604 product/suite/part/wr-qev-1.0a/a.prefs
+  $ wb run s.toml init_wb_prefs; integrate >/dev/null; wb run s.toml init_wb_prefs --set WB_PREFS_INST_DIR=new >/dev/null
   workbench_init:: found WB prefs file: <part/wr-qev-1.0a/a.prefs>
   init_wb_prefs returned 0
-  perform_integration returned 0
-    its command said:
-      setup, arguments: 1 ./product/suite/part
-  $ cd workbench/wr-qev-1.0a; stat -c '%A %N' * dir/*; sed "s|${PWD%/*/*}|.|" a.prefs | cat -v
+  $ cd workbench/wr-qev-1.0a; stat -c '%A %N' * dir/*; sed "s|${PWD%/*/*}|.|" a.prefs ../../product/suite/part/*/a.prefs | cat -v
   -rw----r-- 'a.prefs'
   dr-xr-x--- 'dir'
   lrwxrwxrwx 'link' -> 'dir/absent'
@@ -215,4 +215,10 @@ The copy keeps modes and links and overwrites files; a preferences file keeps al
   homes=1^M
   home=./product/suite^M
   #home=2
-  last M-^? (no-eol)
+  last M-^?
+  [home]^M
+  homes=1^M
+  home=./product/suite^M
+  #home=2
+  last M-^?^M
+  new=./product/suite^M

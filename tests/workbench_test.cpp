@@ -101,6 +101,7 @@ TEST(IsSupported, FindsTheKeyWithinAWord) {
         {words, "e\vf", false},
         {words, "f\fg", false},
         {block.substr(1) + "name=3.1", "name=3.1", true},
+        {block.substr(7) + "name=3.1", "name=3.1", true},
         {block.substr(8) + "name=3.1", "name=3.1", true},
         {block + "name=3.1", "name=3.1", true},
         {block + block, block + "xx", true},
@@ -116,8 +117,10 @@ TEST(IsSupported, FindsTheKeyWithinAWord) {
             << testing::PrintToString(content).substr(0, 40);
         EXPECT_EQ(site.session.calls.size(), found ? 1U : 0U) << "a log line, and only when found";
     }
+    site.session.calls.clear();
     EXPECT_FALSE(is_supported("absent", ""));
     EXPECT_FALSE(is_supported("workbench", "x")) << "a folder opens, but cannot be read";
+    EXPECT_TRUE(site.session.calls.empty()) << site.calls();
 }
 
 TEST(GetWbIntegration, CutsTheNameFromTheFirstPathWithTheMarker) {

@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include <iostream>
+
 #include "trial/plugin.h"
 #include "trial/sequence.h"
 #include "trial/session_file.h"
@@ -20,12 +22,13 @@ void set_variable(Session& session, std::string const& setting) {
 
 } // namespace
 
-int run_command_line(int argc, char const* const* argv, std::ostream& out, std::ostream& err) {
+int run_command_line(int argc, char const* const* argv) {
     std::string session_file;
     std::vector<std::string> actions;
     std::vector<std::string> settings;
     std::string plugin_file;
     bool trace = false;
+    bool is_started = false;
 
     CLI::App app("Runs the workbench plug-in on a product, without the installer.\n"
                  "Exit status: 0 all went well, 1 something did not, 2 nothing was run.",
@@ -67,19 +70,18 @@ int run_command_line(int argc, char const* const* argv, std::ostream& out, std::
         Plugin const plugin(plugin_file.empty() ? bundled_plugin()
                                                 : std::filesystem::path(plugin_file));
 
-        Sequence sequence(session, plugin, out);
+        is_started = true;
+        Sequence sequence(session, plugin, std::cout);
         bool const well = install->parsed()     ? sequence.install()
                           : uninstall->parsed() ? sequence.uninstall()
                                                 : sequence.run(actions);
+        if (!std::cout) throw std::runtime_error("the report cannot be written");
         return well ? all_well : something_failed;
     } catch (CLI::ParseError const& error) {
-        return app.exit(error, out, err) == 0 ? all_well : not_started;
-    } catch (StartError const& error) {
-        err << "wb-trial: " << error.what() << '\n';
-        return not_started;
+        return app.exit(error) == 0 ? all_well : not_started;
     } catch (std::exception const& error) {
-        err << "wb-trial: stopped in the middle of an action: " << error.what() << '\n';
-        return something_failed;
+        std::cerr << "wb-trial: " << error.what() << '\n';
+        return is_started ? something_failed : not_started;
     }
 }
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <ostream>
-
 namespace trial {
 
 enum ExitStatus {
@@ -10,7 +8,7 @@ enum ExitStatus {
     not_started = 2,
 };
 
-/// The program wb-trial: reports on `out`, complains on `err`, returns its exit status.
-int run_command_line(int argc, char const* const* argv, std::ostream& out, std::ostream& err);
+/// The program wb-trial. Returns its exit status.
+int run_command_line(int argc, char const* const* argv);
 
 } // namespace trial

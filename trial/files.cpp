@@ -18,10 +18,15 @@ struct FreshFile {
     }
 };
 
+[[noreturn]] void refuse(fs::path const& path, std::errc reason) {
+    throw fs::filesystem_error("copy", path, std::make_error_code(reason));
+}
+
 void copy_entry(fs::directory_entry const& entry, fs::path const& target) {
     if (entry.is_symlink()) {
         replace_file(target, [&](fs::path const& fresh) { fs::copy_symlink(entry, fresh); });
     } else if (entry.is_directory()) {
+        if (fs::is_symlink(target)) refuse(target, std::errc::not_a_directory);
         fs::create_directory(target);
         copy_tree(entry, target);
         fs::permissions(target, entry.status().permissions());
@@ -41,15 +46,15 @@ std::string normalised(std::string const& path) {
 }
 
 void replace_file(fs::path const& file, std::function<void(fs::path const& fresh)> const& write) {
-    FreshFile const fresh{file.string() + ".wb-trial-" + std::to_string(getpid())};
+    FreshFile const fresh{file.parent_path() / (".wb-trial-" + std::to_string(getpid()))};
     write(fresh.path);
     fs::rename(fresh.path, file);
 }
 
 void copy_tree(fs::path const& source, fs::path const& destination) {
-    if (!fs::is_directory(destination))
-        throw fs::filesystem_error("copy", destination,
-                                   std::make_error_code(std::errc::not_a_directory));
+    if (!fs::is_directory(destination)) refuse(destination, std::errc::not_a_directory);
+    fs::path const way = fs::canonical(destination).lexically_relative(fs::canonical(source));
+    if (*way.begin() != "..") refuse(destination, std::errc::invalid_argument);
     for (fs::directory_entry const& entry : fs::directory_iterator(source))
         copy_entry(entry, destination / entry.path().filename());
 }

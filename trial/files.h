@@ -16,9 +16,9 @@ std::string normalised(std::string const& path);
 void replace_file(std::filesystem::path const& file,
                   std::function<void(std::filesystem::path const& fresh)> const& write);
 
-/// Copies what is in `source` into the directory `destination`. Keeps modes and symbolic links,
-/// overwrites files one by one, each whole or not at all. Throws std::filesystem::filesystem_error
-/// at the first that cannot be copied.
+/// Copies what is in `source` into the directory `destination`, which must not lie in it. Keeps
+/// modes and symbolic links, overwrites files one by one, each whole or not at all. Throws
+/// std::filesystem::filesystem_error at the first that cannot be copied.
 void copy_tree(std::filesystem::path const& source, std::filesystem::path const& destination);
 
 } // namespace trial

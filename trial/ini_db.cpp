@@ -1,5 +1,8 @@
 #include "host/ini_db.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -52,8 +55,9 @@ std::string with_entry(std::string const& text, std::string const& key,
         found = found || is_entry;
     }
     if (found) return result;
-    if (!result.empty() && result.back() != '\n') result += '\n';
-    return result + entry + '\n';
+    std::string const line_end = text.find("\r\n") != std::string::npos ? "\r\n" : "\n";
+    if (!result.empty() && result.back() != '\n') result += line_end;
+    return result + entry + line_end;
 }
 
 std::string read_file(fs::path const& file) {
@@ -69,21 +73,29 @@ void write_file(fs::path const& file, std::string const& text) {
     if (!stream) throw std::runtime_error(std::strerror(errno));
 }
 
+void copy_owner_and_mode(fs::path const& from, fs::path const& to) {
+    struct stat status {};
+    if (stat(from.c_str(), &status) != 0 || chown(to.c_str(), status.st_uid, status.st_gid) != 0 ||
+        chmod(to.c_str(), status.st_mode) != 0)
+        throw std::runtime_error(std::strerror(errno));
+}
+
 /// Throws std::runtime_error, and leaves the file as it was, where it cannot be done.
 void save_entry(fs::path const& listed, std::string const& key, std::string const& separator,
                 std::string const& value) {
     if (key.empty()) throw std::runtime_error("the key is empty; is WB_PREFS_INST_DIR set?");
     std::string const entry = key + separator + value;
-    if (entry.find('\n') != std::string::npos)
-        throw std::runtime_error("the key or the value holds a line end");
+    if (!sets_key(entry, key, separator) || entry.find_first_of("\r\n") != std::string::npos)
+        throw std::runtime_error("the key or the value does not fit into a line of such a file");
 
     std::error_code error;
     fs::path const file = fs::canonical(listed, error);
     if (error) throw std::runtime_error(error.message());
+    if (!fs::is_regular_file(file)) throw std::runtime_error("it is not a regular file");
     std::string const text = with_entry(read_file(file), key, separator, entry);
     trial::replace_file(file, [&](fs::path const& fresh) {
         write_file(fresh, text);
-        fs::permissions(fresh, fs::status(file).permissions());
+        copy_owner_and_mode(file, fresh);
     });
 }
 

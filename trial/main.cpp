@@ -1,7 +1,5 @@
-#include <iostream>
-
 #include "trial/command_line.h"
 
 int main(int argc, char** argv) {
-    return trial::run_command_line(argc, argv, std::cout, std::cerr);
+    return trial::run_command_line(argc, argv);
 }

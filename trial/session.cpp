@@ -3,6 +3,7 @@
 #include <cassert>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <iostream>
 #include <iterator>
 
@@ -67,9 +68,9 @@ void Session::write_log(std::string const& line) {
 }
 
 void Session::check_deintegration_script() {
-    if (deintegration_script_.empty()) return;
+    std::error_code absent; // that it could not be made is in the report already
+    if (!std::filesystem::is_regular_file(deintegration_script_, absent)) return;
     std::ifstream script(deintegration_script_);
-    if (!script) return; // that it could not be made is in the report already
     if (!is_complete_script({std::istreambuf_iterator<char>(script), {}}))
         fail("the de-integration script " + show(deintegration_script_) +
              " was written only in part; is the disk full?");

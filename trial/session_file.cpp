@@ -25,6 +25,18 @@ std::string read_text(fs::path const& file) {
     return text.str();
 }
 
+/// The parser calls itself for each part of a dotted key. A key stands on one line, so a limit for
+/// the dots of a line keeps it from running out of stack.
+void check_dots(fs::path const& file, std::string const& text) {
+    constexpr std::ptrdiff_t most = 1000;
+    std::istringstream lines(text);
+    std::size_t number = 1;
+    for (std::string line; std::getline(lines, line); ++number)
+        if (std::count(line.begin(), line.end(), '.') > most)
+            throw StartError(file.string() + ":" + std::to_string(number) +
+                             ": too many dots in a line; break the line");
+}
+
 /// The regular files below the folder, by their paths in it, sorted by bytes.
 std::vector<std::string> files_below(fs::path const& folder) {
     std::vector<std::string> files;
@@ -61,8 +73,9 @@ class Reader {
     }
 
     void read_components(toml::node const& node) {
-        if (!node.is_array_of_tables())
-            throw error(node, "\"component\" has to be a list of tables: [[component]]");
+        bool const is_list =
+            node.is_array() && (node.as_array()->empty() || node.is_array_of_tables());
+        if (!is_list) throw error(node, "\"component\" has to be a list of tables: [[component]]");
         for (toml::node const& entry : *node.as_array()) read_component(*entry.as_table());
     }
 
@@ -135,6 +148,7 @@ class Reader {
 
 void read_session_file(fs::path const& file, Session& session) {
     std::string const text = read_text(file);
+    check_dots(file, text);
     try {
         Reader(file, session).read(toml::parse(text, file.string()));
     } catch (toml::parse_error const& error) {

@@ -37,6 +37,7 @@ CommandOutcome run_command(std::string const& shell, std::string const& command)
 
     std::string output = read_all(process.get());
     int const status = pclose(process.release());
+    if (status == -1) return {127, std::strerror(errno)};
     return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), output};
 }
 

@@ -27,7 +27,7 @@ template <typename Visitor>
 bool any_file(Component& component, Visitor visit) {
     ComponentProvider* const queried = component.provider();
     if (!queried) return false;
-    auto const handle = queried->query("", component.name, "");
+    auto const handle = queried->query(std::string(), component.name, std::string());
     if (!handle) return false;
 
     ComponentProvider* const listing = component.provider();

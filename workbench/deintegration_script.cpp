@@ -23,6 +23,11 @@ std::string script_text(std::string const& config_dir) {
            double_quoted(unmistakable_path(removed)) + "\n";
 }
 
+int report_unopened(std::string const& script_path) {
+    print_log("workbench_int: failed to open %s", script_path.c_str());
+    return -1;
+}
+
 } // namespace
 
 } // namespace workbench_int
@@ -34,15 +39,13 @@ int create_deintegration_script(std::string script_path, std::string config_dir)
     script.imbue(std::locale::classic());
     script.rdbuf()->pubsetbuf(buffer.data(), buffer.size());
     script.open(script_path, std::ios::app);
-    if (!script.is_open()) {
-        print_log("workbench_int: failed to open %s", script_path.c_str());
-        return -1;
-    }
+    if (!script.is_open()) return workbench_int::report_unopened(script_path);
     std::string const text = workbench_int::script_text(config_dir);
     script.close();
 
     // An earlier script is truncated only here, where nothing is left that could throw.
     script.open(script_path);
+    if (!script.is_open()) return workbench_int::report_unopened(script_path);
     script << text;
     script.close();
     chmod(script_path.c_str(), 0755);

@@ -8,6 +8,7 @@ class IniDb {
 
   public:
     IniDb(std::string, std::string, std::string);
+    IniDb(std::string const&, std::string const&, bool);
     ~IniDb();
     bool setValue(std::string, std::string, bool);
     bool save();

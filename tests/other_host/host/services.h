@@ -7,13 +7,14 @@
 #include "host/component_model.h"
 
 class logging_state_t;
-enum class outcome { done, failed };
+enum class [[nodiscard]] outcome{done, failed};
 
 std::string env_get_string(session_t*, char const*);
 outcome env_set_string(session_t*, char const*, char const*);
 outcome env_set_string(session_t*, std::string const&, std::string const&);
 outcome env_set_string(session_t*, char const*, bool);
 bool log_init(char const*, logging_state_t**);
+bool log_init(char const*, char const*);
 long print_log(char const*, ...);
 std::string path(std::string);
 int is_dir(std::string const&);
