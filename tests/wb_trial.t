@@ -115,7 +115,8 @@ Bad arguments: one message, status 2, and nothing is run:
 
   $ find . | sort >"$TMPDIR/before"
   $ wb
-  wb-trial: a command is missing: install, uninstall or run; see --help
+  A command, install, uninstall or run, is required
+  Run with --help for more information.
   [2]
   $ wb install
   SESSION.toml is required
