@@ -34,12 +34,13 @@ void walk(bench::Session& session, EachFile each_file) {
 
 void get_wb_integration_plug_in(benchmark::State& state) {
     bench::Session session(static_cast<std::size_t>(state.range()));
-    for (auto _ : state) benchmark::DoNotOptimize(get_wb_integration(session.tsd.components()));
+    for ([[maybe_unused]] auto _ : state)
+        benchmark::DoNotOptimize(get_wb_integration(session.tsd.components()));
 }
 
 void get_wb_integration_bare(benchmark::State& state) {
     bench::Session session(static_cast<std::size_t>(state.range()));
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         walk(session, [](std::string const& file) {
             print_log("workbench_int: current_file: %s", file.c_str());
         });
@@ -48,13 +49,13 @@ void get_wb_integration_bare(benchmark::State& state) {
 void init_wb_prefs_plug_in(benchmark::State& state) {
     bench::Session session(static_cast<std::size_t>(state.range()));
     session.variables["WB_PREFS"] = "workbench.prefs";
-    for (auto _ : state) init_wb_prefs(&session);
+    for ([[maybe_unused]] auto _ : state) init_wb_prefs(&session);
 }
 
 void init_wb_prefs_bare(benchmark::State& state) {
     bench::Session session(static_cast<std::size_t>(state.range()));
     session.variables["WB_PREFS"] = "workbench.prefs";
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         walk(session, [&session](std::string const&) {
             benchmark::DoNotOptimize(env_get_string(&session, "WB_PREFS"));
         });
@@ -84,14 +85,14 @@ class Workbench {
 
 void is_supported_plug_in(benchmark::State& state) {
     Workbench const workbench(state.range());
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         if (!is_supported(workbench.properties, "name=3.1")) state.SkipWithError("not found");
 }
 
 void is_supported_bare(benchmark::State& state) {
     Workbench const workbench(state.range());
     std::string const command = "grep -qF name=3.1 " + workbench.properties;
-    for (auto _ : state)
+    for ([[maybe_unused]] auto _ : state)
         if (std::system(command.c_str()) != 0) state.SkipWithError("not found");
 }
 
@@ -103,7 +104,7 @@ void validate_wb_path_plug_in(benchmark::State& state) {
         versions += "2." + std::to_string(number) + ";";
     session.variables = {{"WB_INTEGRATION_PATH", workbench.folder},
                          {"SUPPORTED_VERSION", versions + "3.1;"}};
-    for (auto _ : state) validate_wb_path(&session);
+    for ([[maybe_unused]] auto _ : state) validate_wb_path(&session);
     if (session.variables["PATH_STATUS"] != "ok") state.SkipWithError("not ok");
 }
 
@@ -111,7 +112,7 @@ void validate_wb_path_bare(benchmark::State& state) {
     Workbench const workbench(1024);
     bench::Session session(0);
     char bytes[4096];
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         is_file(path(workbench.properties));
         for (std::int64_t number = 0; number < state.range(); ++number) {
             int const file = open(path(workbench.properties).c_str(), O_RDONLY);
@@ -133,12 +134,12 @@ std::string directories(std::int64_t count) {
 
 void split_by_delimiter_plug_in(benchmark::State& state) {
     std::string const text = directories(state.range());
-    for (auto _ : state) benchmark::DoNotOptimize(split_by_delimiter(text, ' '));
+    for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(split_by_delimiter(text, ' '));
 }
 
 void split_by_delimiter_bare(benchmark::State& state) {
     std::string const text = directories(state.range());
-    for (auto _ : state) {
+    for ([[maybe_unused]] auto _ : state) {
         std::vector<std::string> fields;
         std::size_t begin = 0;
         for (std::size_t end = 0; (end = text.find(' ', begin)) != std::string::npos;
