@@ -12,7 +12,8 @@ namespace workbench_int {
 /// argument, and leaves a script that undoes all that in the product ("VORN_INSTALL_DIR",
 /// "VORN_INSTALL_SUBDIR"). Returns the setup script's status, or -1, with nothing touched, where
 /// the product has no configuration or the workbench is no directory. Goes on past any other
-/// failure; only the log tells of it.
+/// failure: the installer's operations are not asked how they fared, and only a script that cannot
+/// be opened is logged.
 extern "C" int perform_integration(session_t* session) {
     open_log(session);
     print_log("workbench_int: perform_integration entered");
@@ -20,7 +21,8 @@ extern "C" int perform_integration(session_t* session) {
     std::string const found = get_wb_integration(session->tsd.components());
     std::string const configuration = path(found);
     print_log("workbench_int: path to workbench: %s", workbench.c_str());
-    if (configuration.empty()) {
+    // An installer may make something of an empty path, "." for one.
+    if (found.empty() || configuration.empty()) {
         print_log("workbench_int: workbench integration is not supported");
         return -1;
     }

@@ -40,6 +40,7 @@ class Component {
     /// The sub-directory, below the product's directory, into which the component installs.
     std::string subdir();
 
+    /// Who lists the component's files, or null where it has none. Stays the installer's.
     ComponentProvider* provider();
 };
 

@@ -15,22 +15,27 @@ std::string env_get_string(session_t* session, char const* name);
 void env_set_string(session_t* session, char const* name, char const* value);
 void env_set_string(session_t* session, std::string const& name, std::string const& value);
 
-/// Sends the lines of `print_log` to `file`. The plug-in passes a null `state`.
+/// Sends the lines of `print_log` to `file`. The plug-in passes a null `state` and ignores the
+/// result.
 int log_init(char const* file, logging_state_t** state);
 
-/// Writes one line to the log. The format holds no line end.
+/// Writes one line to the log. The format holds no line end, and no conversion but "%s".
 [[gnu::format(printf, 1, 2)]] void print_log(char const* format, ...);
 
 /// The installer's normal form of a path joined from pieces.
 std::string path(std::string joined);
 
+/// Each is not 0 where it is so: a directory exists, a file exists, the installation can write
+/// there.
 int is_dir(std::string const& name);
 int is_file(std::string const& name);
 int is_writable(std::string name);
 
+/// Makes the directory, with that mode. Tells nothing of a failure.
 void folder_create(std::string directory, unsigned int mode);
 
-/// Copies the contents of the directory `source` into the directory `destination`.
+/// Copies the contents of the directory `source` into the directory `destination`. Tells nothing of
+/// a failure.
 void dir_copy(std::string source, std::string destination);
 
 /// Has a shell run `command`, waits for it, stores its status and returns its output. The plug-in

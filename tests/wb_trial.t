@@ -126,7 +126,7 @@ Bad arguments: one message, status 2, and nothing is run:
   wb-trial: absent.toml: No such file or directory
   [2]
   $ wb install workbench
-  wb-trial: workbench: is a folder
+  wb-trial: workbench: Is a directory
   [2]
   $ wb install s.toml more
   The following argument was not expected: more

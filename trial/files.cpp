@@ -48,7 +48,9 @@ std::string normalised(std::string const& path) {
 void replace_file(fs::path const& file, std::function<void(fs::path const& fresh)> const& write) {
     FreshFile const fresh{file.parent_path() / (".wb-trial-" + std::to_string(getpid()))};
     write(fresh.path);
-    fs::rename(fresh.path, file);
+    std::error_code error;
+    fs::rename(fresh.path, file, error);
+    if (error) throw fs::filesystem_error("rename", file, error);
 }
 
 void copy_tree(fs::path const& source, fs::path const& destination) {

@@ -53,6 +53,7 @@ class Session : public session_t {
     Session(Session const&) = delete;
     Session& operator=(Session const&) = delete;
 
+    /// The session that exists; there has to be one.
     static Session& current();
 
     std::map<std::string, std::string> variables;
@@ -87,13 +88,16 @@ class Session : public session_t {
             return answer;
         }
     }
+    /// Adds to `calls`, and prints the call where it is to be traced.
     void record(std::string const& call);
 
+    /// Adds a failure to the report.
     void fail(std::string const& sentence) { report.failures.push_back(sentence); }
 
     /// Sends log lines to the end of `file`, or to standard error where it is empty or cannot be
     /// opened.
     void open_log(std::string const& file);
+    /// Writes to the log, or to standard error where there is none or it cannot be written.
     void write_log(std::string const& line);
 
     /// Has the script at `file` looked at when the action is over: the plug-in does not notice when

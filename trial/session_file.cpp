@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 
 #include "trial/start_error.h"
@@ -19,10 +20,11 @@ namespace {
 std::string read_text(fs::path const& file) {
     std::ifstream stream(file);
     if (!stream.is_open()) throw StartError(file.string() + ": " + std::strerror(errno));
-    if (fs::is_directory(file)) throw StartError(file.string() + ": is a folder");
-    std::ostringstream text;
-    text << stream.rdbuf();
-    return text.str();
+    try {
+        return {std::istreambuf_iterator<char>(stream), {}};
+    } catch (std::ios_base::failure const& error) {
+        throw StartError(file.string() + ": " + error.code().message());
+    }
 }
 
 /// The parser calls itself for each part of a dotted key. A key stands on one line, so a limit for

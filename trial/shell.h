@@ -10,7 +10,8 @@ struct CommandOutcome {
 };
 
 /// Runs `shell -c command` with no standard input, waits for it and for the end of its output, and
-/// returns what it wrote to both its output streams.
+/// returns what it wrote to both its output streams. Where it cannot be started, the status is 127
+/// and the output the reason.
 CommandOutcome run_command(std::string const& shell, std::string const& command);
 
 } // namespace trial

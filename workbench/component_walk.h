@@ -22,7 +22,8 @@ bool any_component(std::vector<Component*> const& components, Visitor visit) {
 }
 
 /// Visits, in order, each path that is not empty among the component's installed files. A
-/// component without a provider has no files. Returns whether a visitor ended the walk.
+/// component whose provider, or whose handle for the files, is null has none. Returns whether a
+/// visitor ended the walk.
 template <typename Visitor>
 bool any_file(Component& component, Visitor visit) {
     ComponentProvider* const queried = component.provider();
