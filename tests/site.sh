@@ -4,6 +4,7 @@ PATH=$WB_TRIAL_DIR:$PATH
 umask 022
 
 site() {
+    chmod -R u+w .
     rm -rf -- *
     mkdir -p workbench product/suite/vorn product/suite/part/wr-qev-1.0a/wr-setup
     echo name=3.1 >workbench/install.properties

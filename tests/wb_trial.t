@@ -223,3 +223,4 @@ The copy keeps modes and links and overwrites files; a preferences file keeps al
   #home=2
   last M-^?^M
   new=./product/suite^M
+  $ cd "$OLDPWD"; site

@@ -28,6 +28,7 @@ void copy_entry(fs::directory_entry const& entry, fs::path const& target) {
     } else if (entry.is_directory()) {
         if (fs::is_symlink(target)) refuse(target, std::errc::not_a_directory);
         fs::create_directory(target);
+        fs::permissions(target, fs::perms::owner_all, fs::perm_options::add);
         copy_tree(entry, target);
         fs::permissions(target, entry.status().permissions());
     } else {
