@@ -22,17 +22,20 @@ struct FreshFile {
     throw fs::filesystem_error("copy", path, std::make_error_code(reason));
 }
 
-void copy_entry(fs::directory_entry const& entry, fs::path const& target) {
-    if (entry.is_symlink()) {
-        replace_file(target, [&](fs::path const& fresh) { fs::copy_symlink(entry, fresh); });
-    } else if (entry.is_directory()) {
-        if (fs::is_symlink(target)) refuse(target, std::errc::not_a_directory);
-        fs::create_directory(target);
-        fs::permissions(target, fs::perms::owner_all, fs::perm_options::add);
-        copy_tree(entry, target);
-        fs::permissions(target, entry.status().permissions());
-    } else {
-        replace_file(target, [&](fs::path const& fresh) { fs::copy_file(entry, fresh); });
+void copy_contents(fs::path const& source, fs::path const& destination) {
+    for (fs::directory_entry const& entry : fs::directory_iterator(source)) {
+        fs::path const target = destination / entry.path().filename();
+        if (entry.is_symlink()) {
+            replace_file(target, [&](fs::path const& fresh) { fs::copy_symlink(entry, fresh); });
+        } else if (entry.is_directory()) {
+            if (fs::is_symlink(target)) refuse(target, std::errc::not_a_directory);
+            fs::create_directory(target);
+            fs::permissions(target, fs::perms::owner_all, fs::perm_options::add);
+            copy_contents(entry, target);
+            fs::permissions(target, entry.status().permissions());
+        } else {
+            replace_file(target, [&](fs::path const& fresh) { fs::copy_file(entry, fresh); });
+        }
     }
 }
 
@@ -58,8 +61,7 @@ void copy_tree(fs::path const& source, fs::path const& destination) {
     if (!fs::is_directory(destination)) refuse(destination, std::errc::not_a_directory);
     fs::path const way = fs::canonical(destination).lexically_relative(fs::canonical(source));
     if (*way.begin() != "..") refuse(destination, std::errc::invalid_argument);
-    for (fs::directory_entry const& entry : fs::directory_iterator(source))
-        copy_entry(entry, destination / entry.path().filename());
+    copy_contents(source, destination);
 }
 
 } // namespace trial

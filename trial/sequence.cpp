@@ -1,7 +1,5 @@
 #include "trial/sequence.h"
 
-#include <algorithm>
-
 namespace trial {
 
 namespace {

@@ -17,6 +17,10 @@ namespace trial {
 
 namespace {
 
+StartError error_at(std::string const& file, std::size_t line, std::string const& what) {
+    return StartError{file + ":" + std::to_string(line) + ": " + what};
+}
+
 std::string read_text(fs::path const& file) {
     std::ifstream stream(file);
     if (!stream.is_open()) throw StartError(file.string() + ": " + std::strerror(errno));
@@ -35,8 +39,7 @@ void check_dots(fs::path const& file, std::string const& text) {
     std::size_t number = 1;
     for (std::string line; std::getline(lines, line); ++number)
         if (std::count(line.begin(), line.end(), '.') > most)
-            throw StartError(file.string() + ":" + std::to_string(number) +
-                             ": too many dots in a line; break the line");
+            throw error_at(file.string(), number, "too many dots in a line; break the line");
 }
 
 /// The regular files below the folder, by their paths in it, sorted by bytes.
@@ -138,7 +141,7 @@ class Reader {
     }
 
     StartError error(toml::node const& at, std::string const& what) {
-        return StartError{file_ + ":" + std::to_string(at.source().begin.line) + ": " + what};
+        return error_at(file_, at.source().begin.line, what);
     }
 
     std::string file_;
@@ -154,8 +157,7 @@ void read_session_file(fs::path const& file, Session& session) {
     try {
         Reader(file, session).read(toml::parse(text, file.string()));
     } catch (toml::parse_error const& error) {
-        throw StartError(file.string() + ":" + std::to_string(error.source().begin.line) + ": " +
-                         std::string(error.description()));
+        throw error_at(file.string(), error.source().begin.line, std::string(error.description()));
     }
 }
 
