@@ -1,12 +1,12 @@
-#include "actions/action.h"
+#include "actions/actions.h"
+
+#include "actions/steps.h"
 #include "workbench/installation.h"
 #include "workbench/split_by_delimiter.h"
 
 namespace workbench_int {
 
-/// Proposes a workbench: writes to "WB_INTEGRATION_PATH" the first directory of the blank-separated
-/// "DEFAULT_SEARCH_PATH" that holds one, as it is listed, or the empty string. Returns 0.
-extern "C" int detect_wb_in_default_path(session_t* session) {
+int detect_wb_in_default_path(session_t* session) {
     open_log(session);
     print_log("workbench_int: detect_wb_in_default_path entered");
     std::string const search_path = env_get_string(session, "DEFAULT_SEARCH_PATH");

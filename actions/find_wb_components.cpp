@@ -1,25 +1,23 @@
-#include "actions/action.h"
+#include "actions/actions.h"
+
+#include "actions/steps.h"
 #include "host/component_model.h"
-#include "workbench/component_walk.h"
+#include "workbench/components.h"
 
 namespace workbench_int {
 
-/// Asks whether the product brings a workbench part: writes "yes" or "no" to
-/// "WB_INTEGRATION_SUPPORTED" and, with "yes", the sub-directory of the first component to be
-/// installed that has "workbench" in its name to "WB_INSTALL_SUBDIR". Returns 0.
-extern "C" int find_wb_components(session_t* session) {
+int find_wb_components(session_t* session) {
     open_log(session);
     print_log("workbench_int: find_wb_components entered");
 
-    auto const answer_yes = [session](Component& component) {
-        if (component.name.find("workbench") == std::string::npos) return false;
+    for (Component* const component : session->tsd.components()) {
+        if (!is_to_be_installed(component)) continue;
+        if (component->name.find("workbench") == std::string::npos) continue;
         print_log("workbench_int: workbench integration supported");
         env_set_string(session, "WB_INTEGRATION_SUPPORTED", "yes");
-        env_set_string(session, "WB_INSTALL_SUBDIR", component.subdir());
-        return true;
-    };
-    if (any_component(session->tsd.components(), answer_yes)) return 0;
-
+        env_set_string(session, "WB_INSTALL_SUBDIR", component->subdir());
+        return 0;
+    }
     print_log("workbench_int: workbench integration is not supported");
     env_set_string(session, "WB_INTEGRATION_SUPPORTED", "no");
     return 0;

@@ -1,10 +1,12 @@
+#include "actions/actions.h"
+
 #include <memory>
 #include <string>
 
 #include "host/component_model.h"
 #include "host/ini_db.h"
 #include "host/services.h"
-#include "workbench/component_walk.h"
+#include "workbench/components.h"
 
 namespace workbench_int {
 
@@ -26,24 +28,19 @@ void set_location(session_t* session, std::string const& file, std::string const
 
 } // namespace
 
-/// Sets the key named by "WB_PREFS_INST_DIR" to the product's location, "VORN_INSTALL_DIR" and
-/// "VORN_INSTALL_SUBDIR" with a slash between them, in every installed file whose path contains
-/// the text in "WB_PREFS". Logs each such file, to whatever log is open. Returns 0; whether the
-/// files could be rewritten is for the installer's `IniDb` to tell.
-extern "C" int init_wb_prefs(session_t* session) {
+int init_wb_prefs(session_t* session) {
     std::string const directory = env_get_string(session, "VORN_INSTALL_DIR");
     std::string const subdirectory = env_get_string(session, "VORN_INSTALL_SUBDIR");
     std::string const location = path(directory + "/" + subdirectory);
 
-    auto const set_if_preferences = [&](std::string const& file) {
-        if (is_preferences_file(session, file)) {
+    for (Component* const component : session->tsd.components()) {
+        if (!is_to_be_installed(component)) continue;
+        for (std::string const& file : installed_files(*component)) {
+            if (!is_preferences_file(session, file)) continue;
             print_log("workbench_init:: found WB prefs file: <%s>", file.c_str());
             set_location(session, file, location);
         }
-        return false;
-    };
-    any_component(session->tsd.components(),
-                  [&](Component& component) { return any_file(component, set_if_preferences); });
+    }
     return 0;
 }
 

@@ -1,4 +1,6 @@
-#include "actions/action.h"
+#include "actions/actions.h"
+
+#include "actions/steps.h"
 #include "host/component_model.h"
 #include "workbench/configuration.h"
 #include "workbench/deintegration_script.h"
@@ -6,15 +8,7 @@
 
 namespace workbench_int {
 
-/// Integrates the product: copies its workbench configuration from the installed files into the
-/// workbench in "WB_INTEGRATION_PATH", runs the configuration's setup script
-/// ("WORKBENCH_SCRIPT_NAME") with the directory of the product's workbench component as its one
-/// argument, and leaves a script that undoes all that in the product ("VORN_INSTALL_DIR",
-/// "VORN_INSTALL_SUBDIR"). Returns the setup script's status, or -1, with nothing touched, where
-/// the product has no configuration or the workbench is no directory. Goes on past any other
-/// failure: the installer's operations are not asked how they fared, and only a script that cannot
-/// be opened is logged.
-extern "C" int perform_integration(session_t* session) {
+int perform_integration(session_t* session) {
     open_log(session);
     print_log("workbench_int: perform_integration entered");
     std::string const workbench = path(env_get_string(session, "WB_INTEGRATION_PATH"));
@@ -43,8 +37,7 @@ extern "C" int perform_integration(session_t* session) {
     std::string const script_name = env_get_string(session, "WORKBENCH_SCRIPT_NAME");
     std::string const setup_script =
         path(workbench + "/" + configuration + "/wr-setup/" + script_name) + ".sh";
-    int const status = run_command(double_quoted(unmistakable_path(setup_script)) + " " +
-                                   double_quoted(path(component_dir)));
+    int const status = run_logged(quoted_path(setup_script) + " " + double_quoted(path(component_dir)));
 
     create_deintegration_script(deintegration_script_path(session), config_dir);
     return status;

@@ -1,4 +1,6 @@
-#include "actions/action.h"
+#include "actions/actions.h"
+
+#include "actions/steps.h"
 #include "workbench/installation.h"
 
 namespace workbench_int {
@@ -37,10 +39,7 @@ char const* judge(std::string const& workbench, std::string const& versions) {
 
 } // namespace
 
-/// Judges the directory in "WB_INTEGRATION_PATH" against the versions in "SUPPORTED_VERSION" and
-/// answers in "PATH_STATUS": "ok", "undefined" (no workbench there, or no versions given),
-/// "unsupported" or "notwritable". Changes nothing on disk. Returns 0.
-extern "C" int validate_wb_path(session_t* session) {
+int validate_wb_path(session_t* session) {
     open_log(session);
     print_log("workbench_int: validate_wb_path entered");
     std::string const workbench = env_get_string(session, "WB_INTEGRATION_PATH");

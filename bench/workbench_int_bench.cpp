@@ -9,16 +9,16 @@
 #include <filesystem>
 #include <fstream>
 
+#include "actions/actions.h"
 #include "bench/host.h"
 #include "host/services.h"
 #include "workbench/configuration.h"
 #include "workbench/installation.h"
 #include "workbench/split_by_delimiter.h"
 
-extern "C" int init_wb_prefs(session_t*);
-extern "C" int validate_wb_path(session_t*);
-
 namespace fs = std::filesystem;
+using workbench_int::init_wb_prefs;
+using workbench_int::validate_wb_path;
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "host/services.h"
-#include "workbench/component_walk.h"
+#include "workbench/components.h"
 
 namespace workbench_int {
 
@@ -32,13 +32,13 @@ std::string configuration_name(std::string const& file) {
 } // namespace workbench_int
 
 std::string get_wb_integration(std::vector<Component*> components) {
-    std::string name;
-    workbench_int::any_component(components, [&](Component& component) {
-        return workbench_int::any_file(component, [&](std::string const& file) {
+    for (Component* const component : components) {
+        if (!workbench_int::is_to_be_installed(component)) continue;
+        for (std::string const& file : workbench_int::installed_files(*component)) {
             print_log("workbench_int: current_file: %s", file.c_str());
-            name = workbench_int::configuration_name(file);
-            return !name.empty();
-        });
-    });
-    return name;
+            std::string name = workbench_int::configuration_name(file);
+            if (!name.empty()) return name;
+        }
+    }
+    return "";
 }

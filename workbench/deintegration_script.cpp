@@ -1,8 +1,8 @@
 #include "workbench/deintegration_script.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
-#include <array>
 #include <fstream>
 #include <locale>
 
@@ -20,12 +20,7 @@ std::string script_text(std::string const& config_dir) {
     // double quotes, and the one that the line starts, as its command.
     std::string const command = shell_word(unmistakable_path(uninstall_script));
     return "#!/bin/sh\n/bin/sh -c " + double_quoted(command) + "\nrm -rf " +
-           double_quoted(unmistakable_path(removed)) + "\n";
-}
-
-int report_unopened(std::string const& script_path) {
-    print_log("workbench_int: failed to open %s", script_path.c_str());
-    return -1;
+           quoted_path(removed) + "\n";
 }
 
 } // namespace
@@ -34,19 +29,17 @@ int report_unopened(std::string const& script_path) {
 
 int create_deintegration_script(std::string script_path, std::string config_dir) {
     print_log("workbench_int: trying to create %s", script_path.c_str());
-    std::array<char, 4096> buffer;
     std::ofstream script;
     script.imbue(std::locale::classic());
-    script.rdbuf()->pubsetbuf(buffer.data(), buffer.size());
     script.open(script_path, std::ios::app);
-    if (!script.is_open()) return workbench_int::report_unopened(script_path);
+    if (!script.is_open()) {
+        print_log("workbench_int: failed to open %s", script_path.c_str());
+        return -1;
+    }
     std::string const text = workbench_int::script_text(config_dir);
-    script.close();
 
-    // An earlier script is truncated only here, where nothing is left that could throw.
-    script.open(script_path);
-    if (!script.is_open()) return workbench_int::report_unopened(script_path);
-    script << text;
+    // An earlier script is gone only from here on, where nothing is left that could throw.
+    if (truncate(script_path.c_str(), 0) == 0) script << text;
     script.close();
     chmod(script_path.c_str(), 0755);
     return 0;

@@ -30,7 +30,8 @@ std::string double_quoted(std::string const& text) {
 }
 
 std::string shell_word(std::string const& text) {
-    if (std::all_of(text.begin(), text.end(), is_plain)) return text;
+    bool const is_word = !text.empty() && std::all_of(text.begin(), text.end(), is_plain);
+    if (is_word) return text;
     std::string quoted = "'";
     for (char const character : text) {
         if (character == '\'')
@@ -39,6 +40,10 @@ std::string shell_word(std::string const& text) {
             quoted += character;
     }
     return quoted + '\'';
+}
+
+std::string quoted_path(std::string const& path) {
+    return double_quoted(unmistakable_path(path));
 }
 
 std::string unmistakable_path(std::string const& path) {

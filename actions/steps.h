@@ -1,6 +1,6 @@
 #pragma once
 
-// What actions have in common.
+// Steps that several actions take.
 
 #include <string>
 
@@ -13,7 +13,7 @@ void open_log(session_t* session);
 
 /// Has the installer run `command`, with a log line before it and its output in a line after it.
 /// Returns the status that the installer stored, 0 where it stored none.
-int run_command(std::string const& command);
+int run_logged(std::string const& command);
 
 /// Where the product keeps its de-integration script, from "VORN_INSTALL_DIR" and
 /// "VORN_INSTALL_SUBDIR", joined as they are.

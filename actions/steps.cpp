@@ -1,4 +1,4 @@
-#include "actions/action.h"
+#include "actions/steps.h"
 
 namespace workbench_int {
 
@@ -8,7 +8,7 @@ void open_log(session_t* session) {
     log_init(file.c_str(), no_state);
 }
 
-int run_command(std::string const& command) {
+int run_logged(std::string const& command) {
     int status = 0;
     print_log("workbench_int: running command: %s", command.c_str());
     std::string const output = get_command_output(command, &status, true, std::string());
