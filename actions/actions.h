@@ -28,9 +28,9 @@ int find_wb_components(session_t* session);
 /// ("WORKBENCH_SCRIPT_NAME") with the directory of the product's workbench component as its one
 /// argument, and leaves a script that undoes all that in the product ("VORN_INSTALL_DIR",
 /// "VORN_INSTALL_SUBDIR"). Returns the setup script's status, or -1, with nothing touched, where
-/// the product has no configuration or the workbench is no directory. Goes on past any other
-/// failure: the installer's operations are not asked how they fared, and only a script that cannot
-/// be opened is logged.
+/// the product has no configuration, the configuration's name leads elsewhere through "..", or the
+/// workbench is no directory. Goes on past any other failure: the installer's operations are not
+/// asked how they fared, and only a script that cannot be opened is logged.
 int perform_integration(session_t* session);
 
 /// Undoes the integration: runs the script that `perform_integration` left in the product

@@ -8,6 +8,16 @@
 
 namespace workbench_int {
 
+namespace {
+
+/// Whether a component of the path is "..", so that the copy, and what the de-integration script
+/// removes, could be a directory beside or above the one that the name promises.
+bool leads_elsewhere(std::string const& configuration) {
+    return ("/" + configuration + "/").find("/../") != std::string::npos;
+}
+
+} // namespace
+
 int perform_integration(session_t* session) {
     open_log(session);
     print_log("workbench_int: perform_integration entered");
@@ -16,7 +26,7 @@ int perform_integration(session_t* session) {
     std::string const configuration = path(found);
     print_log("workbench_int: path to workbench: %s", workbench.c_str());
     // An installer may make something of an empty path, "." for one.
-    if (found.empty() || configuration.empty()) {
+    if (found.empty() || configuration.empty() || leads_elsewhere(found)) {
         print_log("workbench_int: workbench integration is not supported");
         return -1;
     }
