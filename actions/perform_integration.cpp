@@ -47,7 +47,8 @@ int perform_integration(session_t* session) {
     std::string const script_name = env_get_string(session, "WORKBENCH_SCRIPT_NAME");
     std::string const setup_script =
         path(workbench + "/" + configuration + "/wr-setup/" + script_name) + ".sh";
-    int const status = run_logged(quoted_path(setup_script) + " " + double_quoted(path(component_dir)));
+    int const status =
+        run_logged(quoted_path(setup_script) + " " + double_quoted(path(component_dir)));
 
     create_deintegration_script(deintegration_script_path(session), config_dir);
     return status;

@@ -60,10 +60,8 @@ class Reader {
 
     void read(toml::table const& document) {
         for (auto const& [key, value] : document) {
-            if (key == "variables")
-                read_variables(value);
-            else if (key == "component")
-                read_components(value);
+            if (key == "variables") read_variables(value);
+            else if (key == "component") read_components(value);
             else
                 throw error(value, "unknown key " + show(key.data()) +
                                        "; a session has [variables] and [[component]]");
@@ -87,12 +85,9 @@ class Reader {
     void read_component(toml::table const& table) {
         auto component = std::make_unique<Component>();
         for (auto const& [key, value] : table) {
-            if (key == "name")
-                component->name = text(key, value);
-            else if (key == "install_condition")
-                component->install_condition = boolean(key, value);
-            else if (key == "subdir")
-                component->subdirectory = text(key, value);
+            if (key == "name") component->name = text(key, value);
+            else if (key == "install_condition") component->install_condition = boolean(key, value);
+            else if (key == "subdir") component->subdirectory = text(key, value);
             else if (key != "files" && key != "files_from")
                 throw error(value, "unknown key " + show(key.data()) +
                                        "; a component has name, install_condition, subdir, files "

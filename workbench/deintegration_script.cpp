@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <fstream>
 #include <locale>
 
@@ -19,8 +20,13 @@ std::string script_text(std::string const& config_dir) {
     // Two shells read the uninstall script's path: the one that runs the line, as an argument in
     // double quotes, and the one that the line starts, as its command.
     std::string const command = shell_word(unmistakable_path(uninstall_script));
-    return "#!/bin/sh\n/bin/sh -c " + double_quoted(command) + "\nrm -rf " +
-           quoted_path(removed) + "\n";
+    return "#!/bin/sh\n/bin/sh -c " + double_quoted(command) + "\nrm -rf " + quoted_path(removed) +
+           "\n";
+}
+
+int report_unopened(std::string const& script_path) {
+    print_log("workbench_int: failed to open %s", script_path.c_str());
+    return -1;
 }
 
 } // namespace
@@ -32,14 +38,14 @@ int create_deintegration_script(std::string script_path, std::string config_dir)
     std::ofstream script;
     script.imbue(std::locale::classic());
     script.open(script_path, std::ios::app);
-    if (!script.is_open()) {
-        print_log("workbench_int: failed to open %s", script_path.c_str());
-        return -1;
-    }
+    if (!script.is_open()) return workbench_int::report_unopened(script_path);
     std::string const text = workbench_int::script_text(config_dir);
 
-    // An earlier script is gone only from here on, where nothing is left that could throw.
-    if (truncate(script_path.c_str(), 0) == 0) script << text;
+    // An earlier script is gone only from here on, where nothing is left that could throw. What is
+    // no regular file has nothing to lose.
+    bool const is_emptied = truncate(script_path.c_str(), 0) == 0 || errno == EINVAL;
+    if (!is_emptied) return workbench_int::report_unopened(script_path);
+    script << text;
     script.close();
     chmod(script_path.c_str(), 0755);
     return 0;

@@ -34,10 +34,8 @@ std::string shell_word(std::string const& text) {
     if (is_word) return text;
     std::string quoted = "'";
     for (char const character : text) {
-        if (character == '\'')
-            quoted += "'\\''";
-        else
-            quoted += character;
+        if (character == '\'') quoted += "'\\''";
+        else quoted += character;
     }
     return quoted + '\'';
 }
