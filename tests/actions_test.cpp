@@ -1,25 +1,59 @@
-#include <gtest/gtest.h>
-
 #include "tests/site.h"
+#include "workbench/configuration.h"
 
 TEST(Actions, MakeTheseHostCallsAndNoOthers) {
-    Site site;
-    auto const part = std::move(site.session.components.front());
-    site.session.components.clear();
-    site.session.components.push_back(nullptr);
+    /// The provider of "gone" is there when it is asked for a handle, and then no more.
+    struct : Site {
+        std::unique_ptr<trial::FileProvider> aside;
+        void ends(std::string const& call) override {
+            Site::ends(call);
+            auto& provider = host.session.components[5]->file_provider;
+            if (call.rfind(provider ? "query(\"\", \"gone" : "components", 0) == 0)
+                std::swap(provider, aside);
+        }
+    } site;
+    site.host.session.components.front() = nullptr;
     site.add_component("", {"wr-qev-0.0a"});
     site.add_component("off-workbench", {"wr-qev-0.0b"}).install_condition = false;
-    site.add_component("without-provider", {"wr-qev-0.0c"}).file_provider = nullptr;
-    site.add_component("without-files", {});
-    std::vector<std::string> const& files = part->file_provider->files;
-    site.add_component("workbench", {"", "x.txt", files.front(), "wr-qev-9.9z"}).subdirectory =
-        part->subdirectory;
-    site.add_component("workbench-later", {"part/wr-qev-1.0a/./a.prefs"});
-
-    std::string calls;
-    for (std::string const action : trial::action_names) {
-        int const result = site.run(action);
-        calls += "== " + action + " returned " + std::to_string(result) + "\n" + site.calls();
+    site.add_component("bare", {}).file_provider = nullptr;
+    site.add_component("empty", {});
+    site.add_component("gone", {"wr-qev-0.0c"});
+    site.add_component("workbench", {"", "part\\wr-qev-1.0a\\a.prefs", "wr-qev-9.9z"});
+    site.add_component("workbench-later", {"part/wr-qev-1.0a/./a.prefs"}).subdirectory = "later";
+    std::string shown;
+    for (auto const& [name, action] : all_actions) {
+        if (action == workbench_int::perform_deintegration) continue; // its effect tells enough
+        std::string const result = std::to_string(site.run(action));
+        shown += "== " + std::string(name) + " returned " + result + "\n";
+        for (std::string const& call : site.calls) shown += call + "\n";
     }
-    EXPECT_EQ(calls, read_file(EXPECTED_CALLS));
+    for (std::size_t at = 0; (at = shown.find(site.root)) != std::string::npos;)
+        shown.erase(at, site.root.size());
+    EXPECT_EQ(shown, read_file(TESTS "/expected_calls.txt"));
+
+    site.host.session.variables["SUPPORTED_VERSION"] = "";
+    site.run(workbench_int::validate_wb_path);
+    EXPECT_EQ(site.calls.end()[-2], "print_log(\"workbench_int: empty SUPPORTED_VERSION\")");
+}
+
+TEST(Actions, IntegrateUnderTheNameInTheFirstPathWithTheMarker) {
+    std::tuple<Texts, std::string, bool> const cases[] = {
+        {{"", "a/WR-QEV-1.0/b", "a/wr-qev", "wr\\qev-1.0"}, "", true},
+        {{"a", "wr-qev-"}, "wr-qev-", false},
+        {{"x\\wr-wr-qev-1\\y\\wr-qev-2.0a", "wr-qev-3.0a"}, "wr-qev-1/y/", false},
+        {{"x\\wr-qev-\\..\\y"}, "wr-qev-/../", true},
+        {{"wr-qev-a/.."}, "wr-qev-a/..", true},
+        {{"wr-qev-..b"}, "wr-qev-..b", false},
+        {{"wr-qev-\\..b"}, "wr-qev-/..b", false},
+        {{"wr-qev-a.."}, "wr-qev-a..", false},
+    };
+    for (auto const& [files, name, is_refused] : cases) {
+        Site site;
+        site.host.session.components.front()->file_provider->files = files;
+        auto const before = site.entries();
+        EXPECT_EQ(get_wb_integration(site.host.session.tsd.components()), name);
+        EXPECT_EQ(site.run(workbench_int::perform_integration), is_refused ? -1 : 127) << name;
+        EXPECT_EQ(site.entries() == before, is_refused) << name;
+        EXPECT_EQ(site.calls.back().find("is not supported") != std::string::npos, is_refused);
+    }
 }

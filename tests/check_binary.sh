@@ -1,15 +1,11 @@
 #!/bin/bash
-# usage: check_binary.sh LIBRARY
-# Compares what the built library exports and needs with the lists beside the version script.
+# usage: check_binary.sh LIBRARY BUILD_FOLDER
+# Whether the library is one for programs that are ten years old, and for those that run as root.
 set -euo pipefail
-library=$1
-lists=$(dirname "$0")/..
-status=0
+library=$1 lists=$(dirname "$0")/.. status=0
 
-fail() {
-    echo "$library: $*" >&2
-    status=1
-}
+# must WHAT COMMAND...: fails the check where the command does
+must() { "${@:2}" || { echo "$library: has to $1" >&2 && status=1; }; }
 
 # The names as source code has them, whichever string type the library was built with.
 readable() {
@@ -17,32 +13,36 @@ readable() {
         -e 's/\[abi:cxx11\]//g' | LC_ALL=C sort -u
 }
 
-# compare LIST, with the names found on standard input
-compare() {
-    diff -u --label "$1" --label found "$lists/$1" - || fail "differs from $1"
-}
+# newest NAME LIMIT: the newer of the limit and the newest version of that runtime's symbols
+newest() { grep -oE "\<$1_[0-9.]+" <<<"$symbols $1_$2" | sort -V | tail -n 1; }
 
-# at_most PREFIX VERSION: no newer version of a runtime's symbols is needed.
-at_most() {
-    newest=$(objdump -T "$library" | grep -oE "$1_[0-9.]+" | sort -Vu | tail -n 1)
-    [[ $(printf '%s\n' "$newest" "$1_$2" | sort -V | tail -n 1) == "$1_$2" ]] ||
-        fail "needs $newest; the limit is $1_$2, for systems that are ten years old"
-}
+symbols=$(nm -D "$library")
+exported=$(nm -D --defined-only "$library" | awk '{ print $3 }' | sort)
+elf=$(readelf -dlrW "$library")
+code=$(objdump -d --no-show-raw-insn "$library")
+commands=$(grep workbench_int_EXPORTS "$2/compile_commands.json")
 
-compare workbench-int.exports < <(nm -D --defined-only "$library" | awk '{ print $3 }' | readable)
+must "export these" diff -u "$lists/workbench-int.exports" <(readable <<<"$exported")
 # The runtimes' names carry a version; weak ones may stay unresolved.
-compare workbench-int.imports < <(nm -D --undefined-only "$library" |
-    awk '$1 == "U" && $2 !~ /@/ { print $2 }' | readable)
-
-dynamic=$(readelf -d "$library")
-[[ $dynamic == *"soname: [libworkbench-int.so.1n]"* ]] || fail "has another soname"
-needed=$(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<"$dynamic" |
-    grep -vxE 'libstdc\+\+\.so\.6|libgcc_s\.so\.1|libc\.so\.6' || true)
-[[ -z $needed ]] || fail "needs $needed"
-
+must "import these" diff -u "$lists/workbench-int.imports" \
+    <(awk '$1 == "U" && $2 !~ /@/ { print $2 }' <<<"$symbols" | readable)
+must "have its soname" grep -qF "soname: [libworkbench-int.so.1n]" <<<"$elf"
+must "need the runtimes only" diff /dev/null <(sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' <<<"$elf" |
+    grep -vxE 'libstdc\+\+\.so\.6|libgcc_s\.so\.1|libc\.so\.6')
 # The older string type brings newer runtime names with it.
-if [[ $(nm -D "$library") == *cxx11* ]]; then
-    at_most GLIBC 2.14
-    at_most GLIBCXX 3.4.21
-fi
+[[ $symbols != *cxx11* ]] || must "do with systems that are ten years old" \
+    test "$(newest GLIBC 2.14) $(newest GLIBCXX 3.4.21)" = "GLIBC_2.14 GLIBCXX_3.4.21"
+must "call its own functions directly" diff /dev/null \
+    <(comm -12 <(echo "$exported") <(awk '/JUMP_SLO|GLOB_DAT/ { print $5 }' <<<"$elf" | sort))
+must "call fileList as the ninth operation" diff <(echo "0x40(") <(sed -n \
+    '/^[0-9a-f]* <_ZN13workbench_int15installed_files.*>:/,/^$/s/.*call.* \*\(0x[0-9a-f]*(\).*/\1/p' <<<"$code")
+must "watch its stack" grep -q __stack_chk_fail <<<"$symbols"
+must "have relocations that get read-only" grep -q GNU_RELRO <<<"$elf"
+must "leave its host's names for later" diff /dev/null <(grep -E 'BIND_NOW|FLAGS.*\<NOW\>' <<<"$elf")
+must "have a stack that is not code" grep -qE 'GNU_STACK.* RW ' <<<"$elf"
+must "begin each exported function with endbr64" diff <(echo "$exported") \
+    <(comm -12 <(echo "$exported") <(sed -n '/>:$/{N;s/.*<\(.*\)>:\n.*endbr64.*/\1/p}' <<<"$code" | sort))
+# The binary does not show these.
+must "be compiled with two more options" diff /dev/null \
+    <(grep -v -e " -fstack-clash-protection .* -D_FORTIFY_SOURCE=2 " <<<"$commands")
 exit $status

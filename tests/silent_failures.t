@@ -2,172 +2,111 @@ What the plug-in by design does not notice: the action goes on as it should, wb-
 went wrong and exits with 1, and no file that was there before is lost or half written.
 
   $ . "$TESTDIR/site.sh"
-  $ config=product/suite/part/wr-qev-1.0a
   $ keep() { find . -type f ! -name log -exec sha256sum {} + >"$TMPDIR/sums"; }
-  $ kept() { sha256sum --quiet -c "$TMPDIR/sums" && find . -name '*.wb-trial-*'; }
-  $ on_full_disk() { (trap '' XFSZ; ulimit -f 0; "$@" | grep -v workbench_int; exit "${PIPESTATUS[0]}"); }
+  $ kept() { chmod -R u+rwX product; sha256sum --quiet -c "$TMPDIR/sums"; find . \( -name '*.wb-trial-*' -o -path './outside*' \) -printf '%m %p\n'; }
+  $ on_full_disk() { (trap '' XFSZ; ulimit -f 0; "$@"); }
+  $ after() { site; keep; eval "$1"; failures unprivileged "${@:2}"; kept; }
 
-A workbench that turned read-only:
+A copy that cannot be made:
 
-  $ chmod 555 workbench; keep; unprivileged bash -c "$(declare -f wb integrate); integrate"
-  perform_integration returned 127
-    its command said:
-      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
-    failed: folder_create("./workbench/wr-qev-1.0a", 0755) failed: Permission denied: "./workbench/wr-qev-1.0a"
-    failed: dir_copy("./product/suite/part/wr-qev-1.0a", "./workbench/wr-qev-1.0a") failed: Not a directory: "./workbench/wr-qev-1.0a"
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
-  [1]
-  $ kept
+  $ copying() { after "$1" integrate "${@:2}" | sed 's/(".*") failed//' | grep -v -e 'ended with status' -e 'uninstall script'; }
+  $ copying 'chmod 555 workbench'
+  folder_create("workbench/wr-qev-1.0a", 0755) failed: Permission denied: "workbench/wr-qev-1.0a"
+  dir_copy: No such file or directory: "workbench/wr-qev-1.0a"
+  $ copying 'rm -r $config; keep'
+  dir_copy: No such file or directory: "./product/suite/part/wr-qev-1.0a"
+  $ copying 'echo mine >$copy; keep'
+  folder_create("workbench/wr-qev-1.0a", 0755) failed: Not a directory: "workbench/wr-qev-1.0a"
+  dir_copy: Not a directory: "workbench/wr-qev-1.0a"
+  $ copying 'mkdir -p $copy/a.prefs/x'
+  dir_copy: Is a directory: "workbench/wr-qev-1.0a/a.prefs"
+  $ copying 'chmod 000 $prefs'
+  dir_copy: Permission denied: "./product/suite/part/wr-qev-1.0a/a.prefs"
+  $ copying 'mkdir -m 700 outside; ln -s ../outside $copy'
+  folder_create("workbench/wr-qev-1.0a", 0755) failed: Not a directory: "workbench/wr-qev-1.0a"
+  dir_copy: Not a directory: "workbench/wr-qev-1.0a"
+  700 ./outside
+  $ copying 'mkdir -m 700 outside; mkdir $copy; ln -s ../../outside $copy/wr-setup'
+  dir_copy: Not a directory: "workbench/wr-qev-1.0a/wr-setup"
+  700 ./outside
+  $ copying : --set WB_INTEGRATION_PATH=$config
+  dir_copy: Invalid argument: "product/suite/part/wr-qev-1.0a/wr-qev-1.0a"
 
-A full disk, the first time and over an earlier integration:
+A log that cannot be opened, and a full disk, the first time and over an earlier integration:
 
-  $ site; keep; on_full_disk integrate
-  
-  perform_integration returned 127
-    its command said:
-      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
-    failed: the log cannot be written, its lines go to standard error
-    failed: dir_copy(*) failed: File too large: * (glob)
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
-    failed: the de-integration script "./product/suite/vorn/wb_deintegrate.sh" was written only in part; is the disk full?
-  [1]
-  $ kept; site; integrate >/dev/null; rm product/suite/vorn/wb_deintegrate.sh
-  $ echo c=3 >>$config/a.prefs; keep; on_full_disk integrate
-  
-  perform_integration returned 0
-    its command said:
-      setup, arguments: 1 ./product/suite/part
-    failed: the log cannot be written, its lines go to standard error
-    failed: dir_copy(*) failed: File too large: * (glob)
-    failed: the de-integration script "./product/suite/vorn/wb_deintegrate.sh" was written only in part; is the disk full?
-  [1]
-  $ kept
-
-A product tree that is gone, and a file where its copy is to lie:
-
-  $ site; sed -i 's|share.readme.txt|part/wr-qev-1.0a/x|' s.toml; rm -r $config; keep; integrate
-  perform_integration returned 127
-    its command said:
-      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
-    failed: dir_copy("./product/suite/part/wr-qev-1.0a", "./workbench/wr-qev-1.0a") failed: No such file or directory: "./product/suite/part/wr-qev-1.0a"
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
-  [1]
-  $ kept; site; echo mine >workbench/wr-qev-1.0a; keep; integrate
-  perform_integration returned 127
-    its command said:
-      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
-    failed: folder_create("./workbench/wr-qev-1.0a", 0755) failed: Not a directory: "./workbench/wr-qev-1.0a"
-    failed: dir_copy("./product/suite/part/wr-qev-1.0a", "./workbench/wr-qev-1.0a") failed: Not a directory: "./workbench/wr-qev-1.0a"
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
-  [1]
-  $ kept
-
-A copy that would lead out of the workbench through a link, or into itself:
-
-  $ site; mkdir outside workbench/wr-qev-1.0a; ln -s ../../outside workbench/wr-qev-1.0a/wr-setup; integrate
-  perform_integration returned 127
-    its command said:
-      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: not found
-    failed: dir_copy("./product/suite/part/wr-qev-1.0a", "./workbench/wr-qev-1.0a") failed: Not a directory: "./workbench/wr-qev-1.0a/wr-setup"
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
-  [1]
-  $ ls outside; site; integrate --set WB_INTEGRATION_PATH=$config
-  perform_integration returned 127
-    its command said:
-      /bin/sh: 1: product/suite/part/wr-qev-1.0a/wr-qev-1.0a/wr-setup/setup.sh: not found
-    failed: dir_copy("./product/suite/part/wr-qev-1.0a", "product/suite/part/wr-qev-1.0a/wr-qev-1.0a") failed: Invalid argument: "product/suite/part/wr-qev-1.0a/wr-qev-1.0a"
-    failed: the command "product/suite/part/wr-qev-1.0a/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
-  [1]
+  $ after : wb run s.toml find_wb_components init_wb_prefs --set log_file=absent/log --set WB_PREFS=
+  the log "absent/log" cannot be opened (No such file or directory), its lines go to standard error
+  $ after : on_full_disk integrate
+  the log cannot be written, its lines go to standard error
+  dir_copy(*) failed: File too large: * (glob)
+  the command "\"workbench/wr-qev-1.0a/wr-setup/setup.sh\" \"./product/suite/part\"" ended with status 127
+  the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is there only in part; is the disk full? Make room and integrate again
+  the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not there, so what was set up stays; is it in the product, executable?
+  $ after 'integrate >/dev/null; echo c=3 >>$prefs; rm $script; keep' on_full_disk integrate
+  the log cannot be written, its lines go to standard error
+  dir_copy(*) failed: File too large: * (glob)
+  the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is there only in part; is the disk full? Make room and integrate again
 
 A setup script that is not executable, fails, is killed or is missing:
 
-  $ site; chmod -x $config/wr-setup/setup.sh; integrate
-  perform_integration returned 126
-    its command said:
-      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/setup.sh: Permission denied
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 126
-  [1]
-  $ site; printf '#!/bin/sh\necho oh >&2\nexit 3\n' >$config/wr-setup/setup.sh; integrate
-  perform_integration returned 3
-    its command said:
-      oh
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 3
-  [1]
-  $ site; printf '#!/bin/sh\nkill -9 $$\n' >$config/wr-setup/setup.sh; integrate
-  perform_integration returned 137
-    its command said:
-      Killed
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 137
-  [1]
-  $ site; integrate --set WORKBENCH_SCRIPT_NAME=absent
-  perform_integration returned 127
-    its command said:
-      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/absent.sh: not found
-    failed: the command "./workbench/wr-qev-1.0a/wr-setup/absent.sh" "./product/suite/part" ended with status 127
-  [1]
+  $ running() { after "$1" wb install s.toml --set WB_PREFS=; }
+  $ for fault in 'chmod -x $setup' 'echo exit 3 >>$setup; keep' 'rm $setup; keep' \
+  >     'echo "grep -qx sh /proc/\$PPID/comm && kill -9 \$PPID || kill -9 \$\$" >>$setup; keep'; do running "$fault"; done
+  the command "\"workbench/wr-qev-1.0a/wr-setup/setup.sh\" \"./product/suite/part\"" ended with status 126
+  the command "\"workbench/wr-qev-1.0a/wr-setup/setup.sh\" \"./product/suite/part\"" ended with status 3
+  the command "\"workbench/wr-qev-1.0a/wr-setup/setup.sh\" \"./product/suite/part\"" ended with status 127
+  the command "\"workbench/wr-qev-1.0a/wr-setup/setup.sh\" \"./product/suite/part\"" ended with status 137
 
-A de-integration script that cannot be written, or is not there to be run:
+Scripts with which an integration cannot be undone:
 
-  $ site; mkdir product/suite/vorn/wb_deintegrate.sh; integrate
-  perform_integration returned 0
-    its command said:
-      setup, arguments: 1 ./product/suite/part
-    failed: the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written; is its folder there and writable?
-  [1]
-  $ site; rm -r product/suite/vorn; integrate
-  perform_integration returned 0
-    its command said:
-      setup, arguments: 1 ./product/suite/part
-    failed: the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written; is its folder there and writable?
-  [1]
-  $ site; integrate >/dev/null; chmod -x workbench/*/wr-setup/uninst*; wb uninstall s.toml
-  perform_deintegration returned 0
-    its command said:
-      /bin/sh: 1: ./workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh: Permission denied
-  $ site; wb uninstall s.toml
-  perform_deintegration returned 0
-    its command said:
-      /bin/sh: 1: ./product/suite/vorn/wb_deintegrate.sh: not found
-    failed: the command "./product/suite/vorn/wb_deintegrate.sh" ended with status 127
-  [1]
+  $ after 'rm $config/wr-setup/uninst*; keep' integrate
+  the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not there, so what was set up stays; is it in the product, executable?
+  $ after 'chmod -x $config/wr-setup/uninst*' integrate
+  the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" cannot be executed (Permission denied), so what was set up stays; is it in the product, executable?
+  $ after 'rm -r product/suite/vorn' integrate
+  the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written (No such file or directory); is its folder there and writable?
+  $ after 'mkdir $script' integrate
+  the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is no regular file; remove it and integrate again
+  $ after 'echo other >$script; chmod 444 $script; keep' integrate
+  the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written (Permission denied); is its folder there and writable?
+  $ after 'integrate >/dev/null; chmod 444 $script' integrate
+  the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be executed (Permission denied); its mode has to be 0755, its mount not noexec
+  $ after 'cp -R workbench second; integrate >/dev/null' integrate --set WB_INTEGRATION_PATH=second
+  the earlier integration in "workbench/wr-qev-1.0a" has lost its de-integration script to this one; undo it by hand
 
-A preferences file that cannot be replaced, is not there, or has no key to be set:
+An integration that was not undone, or cannot have been:
 
-  $ prefs() { wb run s.toml find_wb_components init_wb_prefs "$@" | grep -A 9 init_wb; return "${PIPESTATUS[0]}"; }
-  $ chmod 555 $config; keep; unprivileged bash -c "$(declare -f wb prefs); prefs"
-  init_wb_prefs returned 0
-    failed: the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: Permission denied
-  [1]
-  $ kept; site; keep; on_full_disk prefs
-  init_wb_prefs returned 0
-    failed: the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: File too large
-  [1]
-  $ prefs --set WB_PREFS_INST_DIR=
-  init_wb_prefs returned 0
-    failed: the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: the key is empty; is WB_PREFS_INST_DIR set?
-  [1]
-  $ kept; prefs --set WB_PREFS_INST_DIR=a=b
-  init_wb_prefs returned 0
-    failed: the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: the key or the value does not fit into a line of such a file
-  [1]
-  $ kept; sed -i 's|share.readme.txt|gone.prefs|' s.toml; prefs
-  init_wb_prefs returned 0
-    failed: the preferences file "./product/suite/gone.prefs" was not changed: No such file or directory
-  [1]
+  $ undoing() { site; integrate >/dev/null; eval "$1"; failures unprivileged wb uninstall s.toml; }
+  $ undoing 'rm $copy/wr-setup/uninst*'
+  the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not there, so what was set up stays; is it in the product, executable?
+  $ undoing 'chmod -x $copy/wr-setup/uninst*'
+  the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" cannot be executed (Permission denied), so what was set up stays; is it in the product, executable?
+  $ undoing 'rm $script'
+  the command "\"./product/suite/vorn/wb_deintegrate.sh\"" ended with status 127
+  $ undoing 'echo >$script'
+  the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is there only in part; integrate again, then uninstall
+  $ undoing 'mv workbench elsewhere'
+  the directory "workbench/wr-qev-1.0a" that the de-integration script removes was not there; was it named from another folder, or is it uninstalled already?
+  $ undoing 'chmod 555 workbench'
+  the command "\"./product/suite/vorn/wb_deintegrate.sh\"" ended with status 1
+  the directory "workbench/wr-qev-1.0a" is still there; see the output
 
-A log that cannot be opened or written:
+A preferences file that cannot be read, replaced or understood, is not there, or has no key to be set:
 
-  $ wb run s.toml find_wb_components --set log_file=absent/log
-  workbench_int: find_wb_components entered
-  workbench_int: workbench integration supported
-  find_wb_components returned 0
-    WB_INTEGRATION_SUPPORTED = "yes"
-    WB_INSTALL_SUBDIR = "/suite/part"
-    failed: the log "absent/log" cannot be opened (No such file or directory), its lines go to standard error
-  [1]
-  $ on_full_disk wb run s.toml find_wb_components
-  find_wb_components returned 0
-    WB_INTEGRATION_SUPPORTED = "yes"
-    WB_INSTALL_SUBDIR = "/suite/part"
-    failed: the log cannot be written, its lines go to standard error
-  [1]
+  $ setting() { after "$1" wb run s.toml init_wb_prefs "${@:2}"; }
+  $ for fault in 'chmod 555 $config' 'chmod 000 $prefs' 'printf "\xef\xbb\xbfhome=" >$prefs; keep'; do setting "$fault"; done
+  the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: Permission denied
+  the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: Permission denied
+  the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: it begins with a byte order mark; save it without
+  $ after : on_full_disk wb run s.toml init_wb_prefs
+  the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: File too large
+  $ after 'printf "h\0o\0" >$prefs; keep' wb install s.toml
+  the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: it holds a zero byte; is it UTF-16, or no text?
+  $ for variable in WB_PREFS=readme WB_PREFS_INST_DIR= WB_PREFS_INST_DIR=a=b $'WB_PREFS_INST_DIR=a\nb' $'VORN_INSTALL_DIR=pro\nduct'; do
+  >     setting 'ln -s product $'"'pro\nduct'" --set "$variable"
+  > done
+  the preferences file "./product/suite/share/wr-qev-1.0a/readme.txt" was not changed: No such file or directory
+  the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: the key is empty; is WB_PREFS_INST_DIR set?
+  the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: the key or the value does not fit into a line of such a file
+  the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: the key or the value does not fit into a line of such a file
+  the preferences file "pro\nduct/suite/part/wr-qev-1.0a/a.prefs" was not changed: the key or the value does not fit into a line of such a file

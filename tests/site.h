@@ -1,50 +1,92 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
+#include <fstream>
 #include <set>
-#include <string>
-#include <vector>
 
-#include "trial/plugin.h"
-#include "trial/session.h"
+#include "actions/actions.h"
+#include "trial/host.h"
 
-/// The names that a test may choose for what lies in a site.
-struct Names {
-    std::string workbench = "workbench";
-    std::string product = "product";
-    std::string configuration = "wr-qev-1.0a";
-    std::string script = "setup";
-    bool relative = false; ///< whether the session names the places relative to the site
+namespace fs = std::filesystem;
+using Texts = std::vector<std::string>;
+
+struct Action {
+    char const* name;
+    int (*run)(session_t*);
 };
+inline constexpr Action all_actions[] = {
+    {"detect_wb_in_default_path", workbench_int::detect_wb_in_default_path},
+    {"validate_wb_path", workbench_int::validate_wb_path},
+    {"find_wb_components", workbench_int::find_wb_components},
+    {"perform_integration", workbench_int::perform_integration},
+    {"perform_deintegration", workbench_int::perform_deintegration},
+    {"init_wb_prefs", workbench_int::init_wb_prefs}};
 
-/// A folder of its own with a workbench and an installed product, and a session about them. While
-/// it exists the folder is the working directory. The setup and the uninstall script append what
-/// they were given to the file "record".
-struct Site {
-    explicit Site(Names const& names = {});
-    ~Site();
-    Site(Site const&) = delete;
-    Site& operator=(Site const&) = delete;
+inline std::string read_file(fs::path const& file) {
+    return {std::istreambuf_iterator<char>(std::ifstream(file).rdbuf()), {}};
+}
 
-    /// Runs an action of the plug-in. `session.calls` are then those of this action alone.
-    int run(std::string const& action);
+inline void write_file(fs::path const& file, std::string const& text) {
+    fs::create_directories(fs::absolute(file).parent_path());
+    std::ofstream(file) << text;
+    fs::permissions(file, fs::perms{0755});
+}
 
-    trial::Component& add_component(std::string const& name, std::vector<std::string> files);
+/// A folder, for its time the working directory, with a workbench and an installed product, and a
+/// session about them. The product's two scripts append how they were called to the file "record".
+struct Site : trial::CallListener {
+    std::string root = (fs::temp_directory_path() / "site-XXXXXX").string();
+    std::string part, integrated_dir, script; ///< the last is the one that undoes an integration
+    trial::Host host;
+    Texts calls;
 
-    /// The host calls since the last action began, a line each, with "/" for the site's folder.
-    std::string calls() const;
+    explicit Site(std::string const& workbench_name = "workbench",
+                  std::string const& configuration = "wr-qev-1.0a", bool relative = false) {
+        fs::current_path(mkdtemp(root.data()));
+        std::string const workbench = (relative ? "" : root + "/") + workbench_name;
+        std::string const product = workbench + "-product";
+        part = product + "/suite/part";
+        integrated_dir = workbench + "/" + configuration;
+        script = product + "/suite/vorn/wb_deintegrate.sh";
+        fs::create_directories(product + "/suite/vorn");
+        for (std::string const& file :
+             {"/wr-setup/" + workbench_name, std::string("/wr-setup/uninst_wr_qev")})
+            write_file(part + "/" + configuration + file + ".sh",
+                       "#!/bin/sh\nprintf '%s %s %s\\n' $# \"$0\" \"$1\" >>record\n");
+        write_file(part + "/" + configuration + "/a.prefs", "home=\n");
+        write_file(workbench + "/install.properties", "name=3.1\n");
+        host.listener = this;
+        // clang-format off
+        host.session.variables = {
+            {"SUPPORTED_VERSION", "2.0;3.1;4.0;5"}, {"WB_INSTALL_SUBDIR", "/suite/part"},
+            {"DEFAULT_SEARCH_PATH", "/absent/from/everywhere  " + workbench_name + "//"},
+            {"WB_INTEGRATION_PATH", workbench}, {"WORKBENCH_SCRIPT_NAME", workbench_name},
+            {"VORN_INSTALL_DIR", product + "/"}, {"VORN_INSTALL_SUBDIR", "/suite/"},
+            {"log_file", root + "/log"}, {"WB_PREFS", ".prefs"}, {"WB_PREFS_INST_DIR", "home"}};
+        // clang-format on
+        host.log.open(root + "/log", std::ios::app);
+        add_component("workbench", {"part\\" + configuration + "\\a.prefs"});
+    }
+    ~Site() override {
+        fs::current_path("/");
+        fs::remove_all(root);
+    }
+    void ends(std::string const& call) override { calls.push_back(call); }
 
-    /// Everything below the site's folder, by its path there.
-    std::set<std::string> entries() const;
-
-    std::filesystem::path root;
-    std::filesystem::path workbench;
-    std::filesystem::path product;
-    std::filesystem::path part; ///< the product's workbench component
-    std::filesystem::path integrated_dir;
-    std::filesystem::path script; ///< the de-integration script
-    trial::Session session;
+    /// `outcome` and `calls` are then about this action alone.
+    int run(int (*action)(session_t*)) {
+        calls.clear();
+        host.outcome = {};
+        return action(&host.session);
+    }
+    trial::ProductComponent& add_component(std::string const& name, Texts const& files) {
+        auto* const component = new trial::ProductComponent{{name}, true, "/suite/part"};
+        component->file_provider->files = files;
+        return *host.session.components.emplace_back(component);
+    }
+    std::set<fs::path> entries() const {
+        return {fs::recursive_directory_iterator(root), fs::recursive_directory_iterator()};
+    }
 };
-
-std::string read_file(std::filesystem::path const& file);
-void write_file(std::filesystem::path const& file, std::string const& text, unsigned mode = 0644);

@@ -1,24 +1,31 @@
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2016,SC2034
 # Sourced by the transcripts: lays out a workbench, an installed product and a session about them.
+set -a # for the shell in `unprivileged`
+set -o pipefail
 PATH=$WB_TRIAL_DIR:$PATH
 umask 022
+copy=workbench/wr-qev-1.0a
+config=product/suite/part/wr-qev-1.0a
+setup=$config/wr-setup/setup.sh
+prefs=$config/a.prefs
+script=product/suite/vorn/wb_deintegrate.sh
 
 site() {
-    chmod -R u+w .
+    chmod -R u+rwX .
     rm -rf -- *
-    mkdir -p workbench product/suite/vorn product/suite/part/wr-qev-1.0a/wr-setup
+    mkdir -p workbench product/suite/vorn "$config/wr-setup"
     echo name=3.1 >workbench/install.properties
-    cd product/suite/part/wr-qev-1.0a || exit
-    # shellcheck disable=SC2016 # for the script's own shell
-    printf '#!/bin/sh\necho "setup, arguments: $# $1"\n' >wr-setup/setup.sh
-    printf '#!/bin/sh\necho uninstall\n' >wr-setup/uninst_wr_qev.sh
-    chmod +x wr-setup/*
-    printf 'a=1\nhome=\nb=2' >a.prefs
-    cd - >/dev/null || exit
+    printf '#!/bin/sh\necho "setup, arguments: $# $1"\n' >"$setup"
+    printf '#!/bin/sh\necho uninstall\n' >"$config/wr-setup/uninst_wr_qev.sh"
+    chmod +x "$config/wr-setup"/*
+    printf 'a=1\nhome=\nb=2' >"$prefs"
     cat >s.toml <<'END'
+component = [
+    { name = "off-workbench", install_condition = false },
+    { name = "workbench-part", subdir = "/suite/part", files = ['share\wr-qev-1.0a\readme.txt'], files_from = "${SESSION_DIR}/product/suite" }]
 [variables]
 log_file = "${SESSION_DIR}/log"
-DEFAULT_SEARCH_PATH = "/absent ${SESSION_DIR}/workbench"
+DEFAULT_SEARCH_PATH = "/absent workbench"
 SUPPORTED_VERSION = "3.1;"
 VORN_INSTALL_DIR = "${SESSION_DIR}/product"
 VORN_INSTALL_SUBDIR = "/suite"
@@ -26,31 +33,32 @@ WB_INSTALL_SUBDIR = "/suite/part"
 WORKBENCH_SCRIPT_NAME = "setup"
 WB_PREFS = ".prefs"
 WB_PREFS_INST_DIR = "home"
-
-[[component]]
-name = "off-workbench"
-install_condition = false
-
-[[component]]
-name = "workbench-part"
-subdir = "/suite/part"
-files = ['share\readme.txt']
-files_from = "${SESSION_DIR}/product/suite"
 END
 }
 
 # wb-trial, with "." for this folder in what it prints
-wb() {
-    wb-trial "$@" 2>&1 | sed "s|$PWD|.|g"
-    return "${PIPESTATUS[0]}"
-}
+wb() { wb-trial "$@" 2>&1 | while IFS= read -r line; do printf '%s\n' "${line//"$PWD"/.}"; done; }
 
 # Integrates without a detection.
-integrate() { wb run s.toml perform_integration --set WB_INTEGRATION_PATH="$PWD/workbench" "$@"; }
+integrate() { wb run s.toml perform_integration --set WB_INTEGRATION_PATH=workbench "$@"; }
 
-# A command for which read-only folders are read-only, also where the tests are run by root.
+# Prints only what the command says has failed, and its status where that is not 1.
+failures() {
+    "$@" | sed -n 's/^  failed: //p'
+    echo "status ${PIPESTATUS[0]}" | sed '/status 1$/d'
+}
+
+# Prints only the first line of what wb-trial says to the arguments, and its status where that is not 2.
+refused() {
+    wb "$@" | sed -n 1p
+    echo "status ${PIPESTATUS[0]}" | sed '/status 2$/d'
+}
+
+# Runs the command so that read-only folders are read-only, also where the tests are run by root.
 unprivileged() {
-    if [ "$(id -u)" -eq 0 ]; then setpriv --bounding-set=-dac_override "$@"; else "$@"; fi
+    local drop=()
+    [ "$(id -u)" -ne 0 ] || drop=(setpriv "--bounding-set=-dac_override,-dac_read_search")
+    "${drop[@]}" bash -o pipefail -c '"$@"' - "$@"
 }
 
 site

@@ -4,223 +4,209 @@ An install, and how it is undone:
 
   $ wb install s.toml
   detect_wb_in_default_path returned 0
-    WB_INTEGRATION_PATH = "./workbench"
+    WB_INTEGRATION_PATH = "workbench"
   validate_wb_path returned 0
     PATH_STATUS = "ok"
   find_wb_components returned 0
     WB_INTEGRATION_SUPPORTED = "yes"
     WB_INSTALL_SUBDIR = "/suite/part"
+  perform_integration
+    runs: "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part"
   perform_integration returned 0
     its command said:
       setup, arguments: 1 ./product/suite/part
   init_wb_prefs returned 0
-  $ cat log product/suite/vorn/wb_deintegrate.sh | sed "s|$PWD|.|g"
-  workbench_int: detect_wb_in_default_path entered
-  workbench_int: default_path_string /absent ./workbench
-  workbench_int: found workbench in ./workbench
-  workbench_int: validate_wb_path entered
-  workbench_int: wb path: ./workbench
-  workbench_int: name=3.1 is found
-  workbench_int: find_wb_components entered
-  workbench_int: workbench integration supported
-  workbench_int: perform_integration entered
-  workbench_int: current_file: share\readme.txt
-  workbench_int: current_file: part/wr-qev-1.0a/a.prefs
-  workbench_int: found workbench configuration: part/wr-qev-1.0a/a.prefs
-  workbench_int: path to workbench: ./workbench
-  workbench_int: running command: "./workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part"
-  workbench_int: out: setup, arguments: 1 ./product/suite/part
-  
-  workbench_int: trying to create ./product/suite/vorn/wb_deintegrate.sh
-  workbench_init:: found WB prefs file: <part/wr-qev-1.0a/a.prefs>
-  #!/bin/sh
-  /bin/sh -c "./workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh"
-  rm -rf "./workbench/wr-qev-1.0a"
-  $ wb uninstall s.toml; ls workbench
-  perform_deintegration returned 0
+  $ wb uninstall s.toml | tail -n 2
     its command said:
       uninstall
+  $ ls workbench
   install.properties
 
 Where the workbench will not do, or there is nothing to integrate:
 
-  $ wb --set 'SUPPORTED_VERSION=2;' install s.toml | tail -n 1
-  Stopped: "./workbench" holds a workbench of none of the versions in SUPPORTED_VERSION; each version there has to be ended by ";".
-  $ wb install s.toml --set WB_INTEGRATION_PATH=/absent
-  detect_wb_in_default_path returned 0
-    WB_INTEGRATION_PATH = "./workbench"
+  $ chmod 555 workbench
+  $ for variable in 'SUPPORTED_VERSION=2;' WB_INTEGRATION_PATH=/absent DEFAULT_SEARCH_PATH=absent WB_PREFS=; do
+  >     unprivileged wb --set "$variable" install s.toml | grep -e again -e Stopped && echo "status 0"
+  > done
+  Stopped: "workbench" holds a workbench of none of the versions in SUPPORTED_VERSION; each there has to be ended by ";", and stand behind name= in install.properties.
   WB_INTEGRATION_PATH is "/absent" again, as the session has it
-  validate_wb_path returned 0
-    PATH_STATUS = "undefined"
-  Stopped: "/absent" holds no workbench (no install.properties in it), or SUPPORTED_VERSION is empty.
+  Stopped: "/absent" holds no install.properties, or SUPPORTED_VERSION is empty.
+  Stopped: no directory in DEFAULT_SEARCH_PATH holds a workbench, that is, install.properties.
+  Stopped: "workbench" holds a workbench that the installation cannot write into.
   [1]
-  $ chmod 555 workbench; unprivileged bash -c "$(declare -f wb); wb install s.toml | tail -n 1"; chmod 755 workbench
-  Stopped: "./workbench" holds a workbench that the installation cannot write into.
-  $ : >empty.toml; wb install empty.toml --set log_file=log --set 'SUPPORTED_VERSION=3.1;' --set WB_INTEGRATION_PATH=workbench
-  detect_wb_in_default_path returned 0
-    WB_INTEGRATION_PATH = ""
-    warning: DEFAULT_SEARCH_PATH was read and is not set
-  WB_INTEGRATION_PATH is "workbench" again, as the session has it
-  validate_wb_path returned 0
-    PATH_STATUS = "ok"
-  find_wb_components returned 0
-    WB_INTEGRATION_SUPPORTED = "no"
+  $ chmod 755 workbench
+  $ wb install s.toml --set WB_PREFSS=.prefs | grep note:
+  note: no action read or wrote WB_PREFSS; is it misspelt, or not needed?
+  $ sed -i s/workbench-part/part/ s.toml
+  $ wb install s.toml --set WB_PREFSS=.prefs | grep -e Nothing -e note:
   Nothing to integrate: no component to be installed has "workbench" in its name.
-  init_wb_prefs returned 0
-    warning: VORN_INSTALL_DIR was read and is not set
-    warning: VORN_INSTALL_SUBDIR was read and is not set
+  note: no action read or wrote WB_INSTALL_SUBDIR; is it misspelt, or not needed?
+  note: no action read or wrote WB_PREFSS; is it misspelt, or not needed?
+  note: no action read or wrote WORKBENCH_SCRIPT_NAME; is it misspelt, or not needed?
 
 Options stand before or after the rest, and actions run in the order given:
 
-  $ wb run --trace s.toml init_wb_prefs --set WB_PREFS= find_wb_components --set log_file=x | grep -v -e print_log -e WB_PREFS
-  env_get_string("VORN_INSTALL_DIR") = "./product"
-  env_get_string("VORN_INSTALL_SUBDIR") = "/suite"
-  path("./product//suite") = "./product/suite"
-  components() = {"off-workbench", "workbench-part"}
-  "off-workbench".installCondition() = 0
-  "workbench-part".installCondition() = 1
-  "workbench-part".provider() = set
-  query("", "workbench-part", "") = set
-  "workbench-part".provider() = set
-  fileList(set) = {"share\\readme.txt", "part/wr-qev-1.0a/a.prefs", "part/wr-qev-1.0a/wr-setup/setup.sh", "part/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh", "vorn/wb_deintegrate.sh"}
+  $ site; sed -i '/VORN_INSTALL_DIR/s|/|/${SESSION_DIR}/|' s.toml
+  $ ln -s "$PWD" "$PWD/s.toml" product/suite
+  $ wb run --trace s.toml init_wb_prefs --set WB_PREFS= find_wb_components --set VORN_INSTALL_SUBDIR=x | grep -e VORN_INSTALL_DIR -e fileList -e returned
+  env_get_string("VORN_INSTALL_DIR") = "././product"
+  fileList(set) = {"share\\wr-qev-1.0a\\readme.txt", "part/wr-qev-1.0a/a.prefs", "part/wr-qev-1.0a/wr-setup/setup.sh", "part/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh"}
   init_wb_prefs returned 0
-  env_get_string("log_file") = "x"
-  log_init("x") = 0
-  components() = {"off-workbench", "workbench-part"}
-  "off-workbench".installCondition() = 0
-  "workbench-part".installCondition() = 1
-  env_set_string("WB_INTEGRATION_SUPPORTED", "yes")
-  "workbench-part".subdir() = "/suite/part"
-  env_set_string("WB_INSTALL_SUBDIR", "/suite/part")
   find_wb_components returned 0
-    WB_INTEGRATION_SUPPORTED = "yes"
-    WB_INSTALL_SUBDIR = "/suite/part"
+
+The copy keeps modes and links, overwrites files and leaves FIFOs out:
+
+  $ site; mkdir $config/dir; mkfifo $config/fifo
+  $ echo new >$config/dir/file; chmod 640 $config/dir/file; chmod 550 $config/dir
+  $ ln -s dir/absent $config/link
+  $ echo 4755 >$config/kept; chmod 4755 $config/kept
+  $ cp $config/kept $config/dropped; chmod 755 $config/dropped
+  $ if chown 12345 $config/dropped 2>/dev/null; then chmod 6755 $config/dropped; fi
+  $ (umask 077; failures unprivileged integrate)
+  not copied: "./product/suite/part/wr-qev-1.0a/fifo" is a FIFO, a socket or a device; leave it out
+  $ echo newer >>$prefs; failures unprivileged integrate
+  not copied: "./product/suite/part/wr-qev-1.0a/fifo" is a FIFO, a socket or a device; leave it out
+  $ (cd $copy && stat -c '%A %N' . dir dir/file dropped kept link)
+  drwxr-xr-x '.'
+  dr-xr-x--- 'dir'
+  -rw-r----- 'dir/file'
+  -rwxr-xr-x 'dropped'
+  -rwsr-xr-x 'kept'
+  lrwxrwxrwx 'link' -> 'dir/absent'
+  $ tail -n 1 $copy/a.prefs
+  b=2newer
+
+SIGTERM in the middle of a copy leaves nothing behind:
+
+  $ site; rm -r $config/*; truncate -s 3G $config/large
+  $ nice wb-trial run s.toml perform_integration --set WB_INTEGRATION_PATH=workbench &
+  $ for try in {1..900}; do stat -c %a $copy/.wb-trial-* 2>/dev/null && break; sleep 0.01; done
+  600
+  $ kill $!; wait $!
+  [143]
+  $ find $copy
+  workbench/wr-qev-1.0a
+
+A preferences file keeps all other bytes, its owner and its mode, and stays a link:
+
+  $ site; mkdir -p product/suite/share/wr-qev-1.0a; ln -s ../../../real product/suite/share/wr-qev-1.0a/readme.txt
+  $ printf '[home]\r\nhomes=1\r\n home = old=er\r\n#home=2\nhome=\nlast \377' >product/real
+  $ chown 12345 product/real 2>/dev/null; chmod 604 product/real; stat -c '%u %g %a' product/real >"$TMPDIR/before"
+  $ for key in home new; do wb run s.toml init_wb_prefs --set WB_PREFS=readme --set WB_PREFS_INST_DIR=$key >/dev/null; done
+  $ stat -c '%u %g %a' product/real | diff "$TMPDIR/before" -
+  $ readlink product/suite/share/*/readme.txt; sed "s|=/.*/product|=/|" product/real | cat -v
+  ../../../real
+  [home]^M
+  homes=1^M
+  home=//suite^M
+  #home=2
+  home=//suite
+  last M-^?^M
+  new=//suite^M
+
+One in a tree that a group shares is written too, though its group cannot be kept:
+
+  $ if chgrp 12345 product/real 2>/dev/null; then
+  >     chown "$(id -u)" product/real; chmod 660 product/real
+  >     setpriv --bounding-set=-chown wb-trial run s.toml init_wb_prefs --set WB_PREFS=readme 2>&1 | tail -n 1; stat -c %a product/real
+  > else printf '  note: the group 12345 of a preferences file could not be kept\n600\n'; fi
+    note: the group of "*/product/real" could not be kept (glob)
+  600
+
+What a setup script finds, whatever the caller left in disorder:
+
+  $ cat >$setup <<'END'
+  > #!/bin/bash
+  > until grep -q 'runs: ' report; do sleep 0.1; done
+  > read -r line || echo "end of input"
+  > sh -c 'kill -PIPE $$'; echo "status $?"
+  > [ ! -e /proc/self/fd/7 ] && printf 'no descriptor 7\tESC \033[1m\n' >&2
+  > END
+  $ mkfifo never
+  $ timeout 20 env --ignore-signal=CHLD --ignore-signal=PIPE wb-trial run s.toml perform_integration --set WB_INTEGRATION_PATH=workbench >report 0<>never 7<s.toml
+  $ sed -n '/said/,$p' report
+    its command said:
+      end of input
+      status 141
+      no descriptor 7\tESC \\x1b[1m (esc)
+  $ integrate --set WORKBENCH_SCRIPT_NAME=$'\033[1m' | grep -e runs: -e failed:
+    runs: "workbench/wr-qev-1.0a/wr-setup/\x1b[1m.sh" "./product/suite/part"
+    failed: the command "\"workbench/wr-qev-1.0a/wr-setup/\x1b[1m.sh\" \"./product/suite/part\"" ended with status 127
+  [1]
+
+A lot of output is cut in the report and not in the log:
+
+  $ printf '#!/bin/sh\nhead -c 8388608 /dev/zero | tr "\\0" "~"\n' >$setup
+  $ wb-trial run s.toml perform_integration --set WB_INTEGRATION_PATH=workbench >report
+  $ tr -cd '~' <report | wc -c; grep said report; tr -cd '~' <log | wc -c
+  4194304
+    its command said 8388608 bytes, of which the last 4194304 were:
+  8388608
+
+A report that cannot be written is a failure, wherever it was to go:
+
+  $ site; mkfifo pipe
+  $ wb-trial install s.toml 8<>pipe 9>pipe 8<&- >&9
+  wb-trial: the report cannot be written
+  [1]
+  $ tail -n 1 log
+  workbench_init:: found WB prefs file: <part/wr-qev-1.0a/a.prefs>
+  $ wb-trial run s.toml find_wb_components >&-
+  wb-trial: the report cannot be written
+  [1]
+  $ grep returned log
+  [1]
 
 Installed, it finds the library that was installed with it:
 
-  $ cmake --install "$WB_TRIAL_DIR" --prefix "$PWD/usr" >/dev/null; find usr -type f | sort
-  usr/bin/wb-trial
-  usr/lib/libworkbench-int.so.1n
-  $ usr/bin/wb-trial --version; usr/bin/wb-trial run s.toml find_wb_components | head -n 1
-  1.0.0
+  $ cmake --install "$WB_TRIAL_DIR" --prefix "$PWD/usr" >/dev/null 2>&1 || :
+  $ usr/bin/wb-trial run s.toml find_wb_components | sed -n 1p
   find_wb_components returned 0
-
-A report that cannot be written is a failure:
-
-  $ wb-trial run s.toml find_wb_components >/dev/full
-  wb-trial: the report cannot be written
-  [1]
 
 Bad arguments: one message, status 2, and nothing is run:
 
-  $ find . | sort >"$TMPDIR/before"
-  $ wb
-  A command, install, uninstall or run, is required
-  Run with --help for more information.
-  [2]
-  $ wb install
+  $ site; : >bad.toml; find . | sort >"$TMPDIR/before"
+  $ for arguments in '' install 'install absent.toml' 'install workbench' 'install s.toml more' 'run s.toml' \
+  >     'run s.toml init_wb_prefs exit' 'install s.toml --set A' \
+  >     'install s.toml --writable .' 'install s.toml --plugin absent.so' 'install s.toml --plugin /lib/*/libm.so.6'; do
+  >     refused $arguments
+  > done
+  A command, check, install, uninstall or run, is required
   SESSION.toml is required
-  Run with --help for more information.
-  [2]
-  $ wb install absent.toml
   wb-trial: absent.toml: No such file or directory
-  [2]
-  $ wb install workbench
   wb-trial: workbench: Is a directory
-  [2]
-  $ wb install s.toml more
   The following argument was not expected: more
-  Run with --help for more information.
-  [2]
-  $ wb frobnicate s.toml
-  The following arguments were not expected: s.toml frobnicate
-  Run with --help for more information.
-  [2]
-  $ wb run s.toml
   ACTION is required
-  Run with --help for more information.
-  [2]
-  $ wb run s.toml init_wb_prefs exit
   ACTION: exit not in {detect_wb_in_default_path,validate_wb_path,find_wb_components,perform_integration,perform_deintegration,init_wb_prefs}
-  Run with --help for more information.
-  [2]
-  $ wb install s.toml --set A
   wb-trial: --set "A": write NAME=VALUE
-  [2]
-  $ wb install s.toml --set =b
-  wb-trial: --set "=b": write NAME=VALUE
-  [2]
-  $ wb install s.toml --plugin absent.so
+  wb-trial: --writable is for check and --preview only
   wb-trial: absent.so: the library does not load: ./absent.so: cannot open shared object file: No such file or directory
-  [2]
-  $ wb install s.toml --plugin /lib/*/libm.so.6
   wb-trial: /lib/*/libm.so.6: the library exports no detect_wb_in_default_path (glob)
-  [2]
 
 A bad session file likewise:
 
-  $ for text in '[variables' 'a = 1' '[variables]\na = "x"\nb = 1' '[variables]\na = "x"\na = "y"' \
-  >     'variables = 1' '[component]\nname = "a"' 'component = [1]' '[[component]]' \
+  $ for text in '[variables' 'a = 1' '[variables]\na = "x"\nb = 1' \
+  >     'variables = 1' '[component]\nname = "a"' '[[component]]' \
   >     '[[component]]\nname = "a"\nfile = []' '[[component]]\nname = true' \
   >     '[[component]]\nname = "a"\ninstall_condition = "no"' '[[component]]\nname = "a"\nfiles = "a"' \
   >     '[[component]]\nname = "a"\nfiles = [\n1]' '[[component]]\nname = "a"\nfiles_from = "absent"' '\377'; do
-  >     printf "$text\n" >bad.toml; wb install bad.toml || echo "  status $?"
+  >     printf "$text\n" >bad.toml; refused install bad.toml
   > done
   wb-trial: bad.toml:1: Error while parsing table header: expected ']', saw '\n'
-    status 2
-  wb-trial: bad.toml:1: unknown key "a"; a session has [variables] and [[component]]
-    status 2
-  wb-trial: bad.toml:3: "b" has to be a string
-    status 2
-  wb-trial: bad.toml:3: Error while parsing key-value pair: cannot redefine existing string 'a'
-    status 2
-  wb-trial: bad.toml:1: "variables" has to be a table: [variables]
-    status 2
-  wb-trial: bad.toml:1: "component" has to be a list of tables: [[component]]
-    status 2
-  wb-trial: bad.toml:1: "component" has to be a list of tables: [[component]]
-    status 2
-  wb-trial: bad.toml:1: a component needs a "name"
-    status 2
-  wb-trial: bad.toml:3: unknown key "file"; a component has name, install_condition, subdir, files and files_from
-    status 2
-  wb-trial: bad.toml:2: "name" has to be a string
-    status 2
-  wb-trial: bad.toml:3: "install_condition" has to be true or false
-    status 2
-  wb-trial: bad.toml:3: "files" has to be a list of strings
-    status 2
-  wb-trial: bad.toml:4: "files" has to be a string
-    status 2
-  wb-trial: bad.toml:3: "files_from": No such file or directory: "absent"
-    status 2
+  wb-trial: bad.toml:1: unknown key a; a session has [variables] and [[component]]
+  wb-trial: bad.toml:3: b has to be a string
+  wb-trial: bad.toml:1: variables has to be a table: [variables]
+  wb-trial: bad.toml:1: component has to be a list of tables: [[component]]
+  wb-trial: bad.toml:1: a component needs a name
+  wb-trial: bad.toml:3: unknown key file; a component has name, install_condition, subdir, files and files_from
+  wb-trial: bad.toml:2: name has to be a string
+  wb-trial: bad.toml:3: install_condition has to be true or false
+  wb-trial: bad.toml:3: files has to be a list of strings
+  wb-trial: bad.toml:4: files has to be a string
+  wb-trial: bad.toml:3: files_from: No such file or directory: absent
   wb-trial: bad.toml:1: Encountered invalid utf-8 sequence
-    status 2
-  $ rm bad.toml
   $ find . | sort | diff "$TMPDIR/before" -
-
-The copy keeps modes and links and overwrites files; a preferences file keeps all other bytes:
-
-  $ site; cd product/suite/part/wr-qev-1.0a; mkdir dir; echo new >dir/file; chmod 640 dir/file; chmod 550 dir; ln -s dir/absent link; cd "$OLDPWD"
-  $ integrate >/dev/null; printf '[home]\r\nhomes=1\r\n home = old=er\r\n#home=2\nlast \377' >product/suite/part/wr-qev-1.0a/a.prefs; chmod 604 product/suite/part/wr-qev-1.0a/a.prefs
-  $ wb run s.toml init_wb_prefs; integrate >/dev/null; wb run s.toml init_wb_prefs --set WB_PREFS_INST_DIR=new >/dev/null
-  workbench_init:: found WB prefs file: <part/wr-qev-1.0a/a.prefs>
-  init_wb_prefs returned 0
-  $ cd workbench/wr-qev-1.0a; stat -c '%A %N' * dir/*; sed "s|${PWD%/*/*}|.|" a.prefs ../../product/suite/part/*/a.prefs | cat -v
-  -rw----r-- 'a.prefs'
-  dr-xr-x--- 'dir'
-  lrwxrwxrwx 'link' -> 'dir/absent'
-  drwxr-xr-x 'wr-setup'
-  -rw-r----- 'dir/file'
-  [home]^M
-  homes=1^M
-  home=./product/suite^M
-  #home=2
-  last M-^?
-  [home]^M
-  homes=1^M
-  home=./product/suite^M
-  #home=2
-  last M-^?^M
-  new=./product/suite^M
-  $ cd "$OLDPWD"; site
+  $ mkdir -m 000 product/suite/locked
+  $ unprivileged refused install s.toml
+  wb-trial: s.toml:3: files_from: Permission denied: ./product/suite/locked
+  $ site

@@ -1,6 +1,15 @@
 #include "trial/files.h"
 
+#include <fcntl.h>
+#include <sys/sendfile.h>
 #include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <climits>
+#include <csignal>
+#include <iostream>
 
 namespace fs = std::filesystem;
 
@@ -8,36 +17,125 @@ namespace trial {
 
 namespace {
 
-/// A file that is gone again unless it was moved to its place.
-struct FreshFile {
-    fs::path path;
+/// The name of the file that is to be removed when a signal ends the program. An array, because a
+/// signal handler may neither allocate nor lock.
+std::array<char, PATH_MAX> unfinished = {};
 
-    ~FreshFile() {
-        std::error_code ignored;
-        fs::remove(path, ignored);
-    }
-};
-
-[[noreturn]] void refuse(fs::path const& path, std::errc reason) {
-    throw fs::filesystem_error("copy", path, std::make_error_code(reason));
+void remove_unfinished_and_end(int signal_number) {
+    unlink(unfinished.data());
+    signal(signal_number, SIG_DFL);
+    raise(signal_number);
+    _exit(128 + signal_number); // the first process of a sandbox survives the signal
 }
 
-void copy_contents(fs::path const& source, fs::path const& destination) {
-    for (fs::directory_entry const& entry : fs::directory_iterator(source)) {
-        fs::path const target = destination / entry.path().filename();
-        if (entry.is_symlink()) {
-            replace_file(target, [&](fs::path const& fresh) { fs::copy_symlink(entry, fresh); });
-        } else if (entry.is_directory()) {
-            if (fs::is_symlink(target)) refuse(target, std::errc::not_a_directory);
-            fs::create_directory(target);
-            fs::permissions(target, fs::perms::owner_all, fs::perm_options::add);
-            copy_contents(entry, target);
-            fs::permissions(target, entry.status().permissions());
-        } else {
-            replace_file(target, [&](fs::path const& fresh) { fs::copy_file(entry, fresh); });
+void watch_signals() {
+    for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction present {};
+        sigaction(number, nullptr, &present);
+        if (present.sa_handler != SIG_IGN) signal(number, remove_unfinished_and_end);
+    }
+}
+
+/// Throws where `succeeds` is false, with `error`, or with what is in errno.
+void check(bool succeeds, fs::path const& path, int error = 0) {
+    std::error_code const code(error != 0 ? error : errno, std::generic_category());
+    if (!succeeds) throw fs::filesystem_error("", path, code);
+}
+
+/// Of a link, its own status.
+struct stat status_of(fs::path const& path) {
+    struct stat status {};
+    check(lstat(path.c_str(), &status) == 0, path);
+    return status;
+}
+
+/// The mode for a copy: set-user-ID and set-group-ID mean the same only with the same owner and
+/// group.
+mode_t copied_mode(struct stat const& source, struct stat const& copy) {
+    bool const is_same = source.st_uid == copy.st_uid && source.st_gid == copy.st_gid;
+    return source.st_mode & (is_same ? 07777 : 01777);
+}
+
+/// A set-group-ID bit stays: it is how a group shares a tree.
+void set_folder_mode(fs::path const& folder, mode_t mode, Outcome& outcome) {
+    mode_t const present = status_of(folder).st_mode & 07777;
+    mode_t const wanted = (mode & 07777) | (present & S_ISGID);
+    if (present == wanted || chmod(folder.c_str(), wanted) == 0) return;
+    check(errno == EPERM, folder);
+    outcome.notes.push_back("the mode of " + show(folder.string()) + " stays " + show(present) +
+                            ", for the folder is somebody else's");
+}
+
+/// The copying of one tree.
+class TreeCopy {
+  public:
+    TreeCopy(fs::path source, Outcome& outcome) : source_(std::move(source)), outcome_(outcome) {}
+    ~TreeCopy() {
+        if (file_count_ > 0) std::cerr << "\r\x1b[K" << std::flush;
+    }
+
+    void copy_contents(fs::path const& source, fs::path const& destination) {
+        for (fs::directory_entry const& entry : fs::directory_iterator(source)) {
+            fs::path const target = destination / entry.path().filename();
+            if (entry.is_symlink()) copy_link(entry, target);
+            else if (entry.is_directory()) copy_folder(entry, target);
+            else if (entry.is_regular_file()) copy_regular_file(entry, target);
+            else
+                outcome_.fail("not copied: " + show(entry.path().string()) +
+                              " is a FIFO, a socket or a device; leave it out");
+            copied_ += entry.is_symlink() || !entry.is_directory();
+            show_progress();
         }
     }
-}
+
+  private:
+    void copy_folder(fs::path const& source, fs::path const& target) {
+        check(mkdir(target.c_str(), S_IRWXU) == 0 || errno == EEXIST, target);
+        check(S_ISDIR(status_of(target).st_mode), target, ENOTDIR);
+        set_folder_mode(target, status_of(target).st_mode | S_IRWXU, outcome_);
+        copy_contents(source, target);
+        set_folder_mode(target, copied_mode(status_of(source), status_of(target)), outcome_);
+    }
+
+    static void copy_link(fs::path const& source, fs::path const& target) {
+        replace_file(target, [&](int, char const* name) {
+            check(unlink(name) == 0, target);
+            fs::create_symlink(fs::read_symlink(source), name);
+        });
+    }
+
+    void copy_regular_file(fs::path const& source, fs::path const& target) {
+        int const from = open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+        check(from != -1, source);
+        std::unique_ptr<int const, void (*)(int const*)> const closer(
+            &from, [](int const* file) { close(*file); });
+        replace_file(target, [&](int file, char const*) {
+            ssize_t size = 0;
+            while ((size = sendfile(file, from, nullptr, std::size_t{64} << 20)) > 0)
+                show_progress();
+            struct stat original {
+            }, copy{};
+            check(size == 0 && fstat(from, &original) == 0 && fstat(file, &copy) == 0, target);
+            check(fchmod(file, copied_mode(original, copy)) == 0, target);
+        });
+    }
+
+    void show_progress() {
+        auto const now = std::chrono::steady_clock::now();
+        if (now - shown_ < std::chrono::seconds(1) || !isatty(STDERR_FILENO)) return;
+        if (file_count_ == 0)
+            for (fs::directory_entry const& entry : fs::recursive_directory_iterator(source_))
+                file_count_ += entry.is_symlink() || !entry.is_directory();
+        std::cerr << "\rcopied " << copied_ << " of " << file_count_ << " files" << std::flush;
+        shown_ = now;
+    }
+
+    fs::path source_;
+    Outcome& outcome_;
+    int copied_ = 0;
+    int file_count_ = 0; ///< not known before progress is shown
+    std::chrono::steady_clock::time_point shown_ = std::chrono::steady_clock::now();
+};
 
 } // namespace
 
@@ -49,19 +147,52 @@ std::string normalised(std::string const& path) {
     return result;
 }
 
-void replace_file(fs::path const& file, std::function<void(fs::path const& fresh)> const& write) {
-    FreshFile const fresh{file.parent_path() / (".wb-trial-" + std::to_string(getpid()))};
-    write(fresh.path);
-    std::error_code error;
-    fs::rename(fresh.path, file, error);
-    if (error) throw fs::filesystem_error("rename", file, error);
+void replace_file(fs::path const& target,
+                  std::function<void(int file, char const* name)> const& fill) {
+    std::string const pattern = target.parent_path() / ".wb-trial-XXXXXX";
+    check(pattern.size() < unfinished.size(), target, ENAMETOOLONG);
+    watch_signals();
+    unfinished[pattern.copy(unfinished.data(), pattern.size())] = '\0';
+    struct NewFile {
+        int file = mkostemp(unfinished.data(), O_CLOEXEC);
+        ~NewFile() {
+            close(file);
+            unlink(unfinished.data()); // there is none of that name once it is in its place
+            unfinished[0] = '\0';
+        }
+    } const created;
+    check(created.file != -1, target);
+    fill(created.file, unfinished.data());
+    check(rename(unfinished.data(), target.c_str()) == 0, target);
 }
 
-void copy_tree(fs::path const& source, fs::path const& destination) {
-    if (!fs::is_directory(destination)) refuse(destination, std::errc::not_a_directory);
-    fs::path const way = fs::canonical(destination).lexically_relative(fs::canonical(source));
-    if (*way.begin() != "..") refuse(destination, std::errc::invalid_argument);
-    copy_contents(source, destination);
+void take_attributes(int file, fs::path const& model_file, Outcome& outcome) {
+    struct stat model {};
+    struct stat present {};
+    bool const has_owner = stat(model_file.c_str(), &model) == 0 && fstat(file, &present) == 0 &&
+                           (present.st_uid == model.st_uid || fchown(file, model.st_uid, -1U) == 0);
+    check(has_owner, model_file);
+    mode_t mode = model.st_mode & 07777;
+    if (present.st_gid != model.st_gid && fchown(file, -1U, model.st_gid) != 0) {
+        mode_t const rights_of_all = (mode & S_IRWXO) << 3;
+        mode &= ~(S_ISGID | (S_IRWXG & ~rights_of_all));
+        outcome.notes.push_back("the group of " + show(model_file.string()) + " could not be kept");
+    }
+    check(fchmod(file, mode) == 0, model_file);
+}
+
+void create_folder(fs::path const& directory, mode_t mode, Outcome& outcome) {
+    check(!fs::is_symlink(directory), directory, ENOTDIR);
+    fs::create_directories(directory);
+    set_folder_mode(directory, mode, outcome);
+}
+
+void copy_tree(fs::path const& source, fs::path const& destination, Outcome& outcome) {
+    check(S_ISDIR(status_of(destination).st_mode), destination, ENOTDIR);
+    fs::path const from_source =
+        fs::canonical(destination).lexically_relative(fs::canonical(source));
+    check(*from_source.begin() == "..", destination, EINVAL);
+    TreeCopy(source, outcome).copy_contents(source, destination);
 }
 
 } // namespace trial

@@ -1,24 +1,38 @@
 #pragma once
 
+// What an installer does to files. What fails throws std::filesystem::filesystem_error.
+
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <functional>
 #include <string>
 
+#include "trial/host.h"
+
 namespace trial {
 
-/// Merges repeated separators and drops a trailing one. Leaves ".." alone: across a link it would
-/// name another directory.
+/// Merges repeated separators, drops a trailing one. ".." stays: across a link it leads elsewhere.
 std::string normalised(std::string const& path);
 
-/// Puts a new file in the place of `file`, whole or not at all: `write` makes it beside `file`,
-/// under the name that it is given. Throws std::filesystem::filesystem_error, and what `write`
-/// throws; `file` is then as it was.
-void replace_file(std::filesystem::path const& file,
-                  std::function<void(std::filesystem::path const& fresh)> const& write);
+/// Puts a new file in the place of `target`, whole or not at all. `fill` is given it, open, and its
+/// name beside `target`, which nobody can guess. Until it is in its place it is its owner's alone,
+/// and removed where `fill` throws or SIGINT, SIGTERM or SIGHUP ends the program. One at a time.
+void replace_file(std::filesystem::path const& target,
+                  std::function<void(int file, char const* name)> const& fill);
+
+/// Gives the open file the owner, group and mode of `model`, as far as they differ. A group that
+/// cannot be kept is a note; the new group gets no more rights then than everybody.
+void take_attributes(int file, std::filesystem::path const& model, Outcome& outcome);
+
+/// Makes the directory with that mode, and those above it. Of one that is there already only the
+/// mode is changed, where that is needed; where it cannot be, that is a note.
+void create_folder(std::filesystem::path const& directory, mode_t mode, Outcome& outcome);
 
 /// Copies what is in `source` into the directory `destination`, which must not lie in it. Keeps
-/// modes and symbolic links, overwrites files one by one, each whole or not at all. Throws
-/// std::filesystem::filesystem_error at the first that cannot be copied.
-void copy_tree(std::filesystem::path const& source, std::filesystem::path const& destination);
+/// modes and links, and overwrites file by file. A FIFO, socket or device is left out and a failure
+/// of the outcome. Shows on a terminal how far it is when it takes longer than a second.
+void copy_tree(std::filesystem::path const& source, std::filesystem::path const& destination,
+               Outcome& outcome);
 
 } // namespace trial

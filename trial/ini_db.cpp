@@ -1,30 +1,23 @@
 #include "host/ini_db.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <new>
 #include <stdexcept>
 #include <system_error>
 
 #include "trial/files.h"
-#include "trial/session.h"
+#include "trial/host.h"
 
 namespace fs = std::filesystem;
-using trial::Session;
-using trial::show;
-using trial::show_call;
+using namespace trial;
 
 struct IniDb::Contents {
-    fs::path file;
-    std::string separator;
-    std::string key;
-    std::string value;
+    std::string file, separator, key, value;
 };
 
 namespace {
@@ -60,24 +53,18 @@ std::string with_entry(std::string const& text, std::string const& key,
     return result + entry + line_end;
 }
 
-std::string read_file(fs::path const& file) {
+/// Throws std::runtime_error where the file cannot be read, or its key could not be found: a byte
+/// order mark belongs to the first line, and in UTF-16 there are zero bytes between characters.
+std::string read_text(fs::path const& file) {
     std::ifstream stream(file);
-    if (!stream.is_open()) throw std::runtime_error(std::strerror(errno));
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void write_file(fs::path const& file, std::string const& text) {
-    std::ofstream stream(file);
-    stream << text;
-    stream.close();
-    if (!stream) throw std::runtime_error(std::strerror(errno));
-}
-
-void copy_owner_and_mode(fs::path const& from, fs::path const& to) {
-    struct stat status {};
-    if (stat(from.c_str(), &status) != 0 || chown(to.c_str(), status.st_uid, status.st_gid) != 0 ||
-        chmod(to.c_str(), status.st_mode) != 0)
-        throw std::runtime_error(std::strerror(errno));
+    if (!stream.is_open()) throw std::system_error(errno, std::generic_category());
+    std::string text{std::istreambuf_iterator<char>(stream), {}};
+    for (char const* const mark : {"\xef\xbb\xbf", "\xff\xfe", "\xfe\xff"})
+        if (text.rfind(mark, 0) == 0)
+            throw std::runtime_error("it begins with a byte order mark; save it without");
+    if (text.find('\0') != std::string::npos)
+        throw std::runtime_error("it holds a zero byte; is it UTF-16, or no text?");
+    return text;
 }
 
 /// Throws std::runtime_error, and leaves the file as it was, where it cannot be done.
@@ -88,53 +75,55 @@ void save_entry(fs::path const& listed, std::string const& key, std::string cons
     if (!sets_key(entry, key, separator) || entry.find_first_of("\r\n") != std::string::npos)
         throw std::runtime_error("the key or the value does not fit into a line of such a file");
 
-    std::error_code error;
-    fs::path const file = fs::canonical(listed, error);
-    if (error) throw std::runtime_error(error.message());
+    fs::path const file = fs::canonical(listed);
     if (!fs::is_regular_file(file)) throw std::runtime_error("it is not a regular file");
-    std::string const text = with_entry(read_file(file), key, separator, entry);
-    trial::replace_file(file, [&](fs::path const& fresh) {
-        write_file(fresh, text);
-        copy_owner_and_mode(file, fresh);
+    std::string const text = with_entry(read_text(file), key, separator, entry);
+    replace_file(file, [&](int fresh, char const*) {
+        for (std::string_view rest = text; !rest.empty();) {
+            ssize_t const size = write(fresh, rest.data(), rest.size());
+            if (size < 0) throw std::system_error(errno, std::generic_category());
+            rest.remove_prefix(static_cast<std::size_t>(size));
+        }
+        take_attributes(fresh, file, Host::current().outcome);
     });
 }
 
 } // namespace
 
 IniDb::IniDb(std::string root, std::string file, std::string separator) {
-    Session& session = Session::current();
-    session.call(show_call("IniDb", root, file, separator), [&] {
-        std::replace(file.begin(), file.end(), '\\', '/');
-        contents_ = std::make_unique<Contents>(Contents{root + "/" + file, separator, "", ""});
-    });
-    ++session.open_databases;
+    std::string path = root + "/" + file;
+    std::replace(path.begin(), path.end(), '\\', '/');
+    auto const make = [&] {
+        contents_ = std::make_unique<Contents>(Contents{path, separator, "", ""});
+    };
+    host_call(make, "IniDb", root, file, separator);
 }
 
+// Not a host_call: a listener may throw before one, and nothing may come out of a destructor.
 IniDb::~IniDb() {
-    --Session::current().open_databases;
-    try {
-        Session::current().record("~IniDb()");
-    } catch (std::bad_alloc const&) {
-        // Not worth ending the process for: the count above is kept.
-    }
+    if (Host::current().listener) Host::current().listener->ends("~IniDb()");
 }
 
 void IniDb::setValue(std::string key, std::string value, bool flag) {
-    Session::current().call(show_call("setValue", key, value, flag), [&] {
+    auto const set = [&] {
         contents_->key = key;
         contents_->value = value;
-    });
+    };
+    host_call(set, "setValue", key, value, flag);
 }
 
 void IniDb::save() {
-    Session& session = Session::current();
-    session.call(show_call("save"), [&] {
-        auto const& [listed, separator, key, value] = *contents_;
+    auto const save = [&contents = *contents_] {
+        std::string failure;
         try {
-            save_entry(listed, key, separator, value);
+            return save_entry(contents.file, contents.key, contents.separator, contents.value);
+        } catch (std::system_error const& error) {
+            failure = error.code().message();
         } catch (std::runtime_error const& error) {
-            session.fail("the preferences file " + show(listed.string()) +
-                         " was not changed: " + error.what());
+            failure = error.what();
         }
-    });
+        Host::current().outcome.fail("the preferences file " + show(contents.file) +
+                                     " was not changed: " + failure);
+    };
+    host_call(save, "save");
 }

@@ -1,5 +1,141 @@
-#include "trial/command_line.h"
+#include <CLI/CLI.hpp>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "trial/exit_status.h"
+#include "trial/plugin.h"
+#include "trial/preview.h"
+#include "trial/sequence.h"
+
+using namespace trial;
+using Texts = std::vector<std::string>;
+
+namespace {
+
+struct Arguments {
+    std::string command, session_file, plugin_file;
+    Texts actions, settings, writable;
+    bool trace = false, preview = false;
+};
+
+void declare_options(CLI::App& app, Arguments& arguments) {
+    app.set_version_flag("--version", TRIAL_VERSION);
+    auto const add_list = [&](char const* name, Texts& list, char const* type, char const* help) {
+        app.add_option(name, list, help)
+            ->type_name(type)
+            ->expected(1)
+            ->take_all()
+            ->allow_extra_args(false);
+    };
+    add_list("--set", arguments.settings, "NAME=VALUE",
+             "Set or override a session variable (repeatable)");
+    add_list("--writable", arguments.writable, "DIR",
+             "Let a check or preview change this directory too (repeatable)");
+    app.add_option("--plugin", arguments.plugin_file, "Use this library, not the bundled one")
+        ->type_name("FILE");
+    app.add_flag("--trace", arguments.trace, "Print every host call on standard error");
+}
+
+void declare_commands(CLI::App& app, Arguments& arguments) {
+    for (auto const& [name, help] : {
+             std::pair("check", "Install and uninstall in a sandbox: is the workbench as it was?"),
+             std::pair("install", "Run the five install actions"),
+             std::pair("uninstall", "Run perform_deintegration"),
+             std::pair("run", "Run actions in the order given"),
+         }) {
+        CLI::App* const command = app.add_subcommand(name, help);
+        command->add_option("SESSION.toml", arguments.session_file, "The session file")->required();
+        command->footer("The options of wb-trial itself may stand here too, see wb-trial --help.");
+        if (name != std::string("check"))
+            command->add_flag("--preview", arguments.preview,
+                              "Run it in a sandbox and show what would change; nothing does");
+    }
+    app.get_subcommand("run")
+        ->add_option("ACTION", arguments.actions, "The actions")
+        ->required()
+        ->check(CLI::IsMember(Texts(action_names.begin(), action_names.end())));
+}
+
+void fill(Session& session, Arguments const& arguments) {
+    if (!arguments.writable.empty() && !arguments.preview && arguments.command != "check")
+        throw StartError("--writable is for check and --preview only");
+    read_session_file(arguments.session_file, session);
+    for (std::string const& setting : arguments.settings) {
+        std::size_t const name_size = setting.find('=');
+        if (name_size == 0 || name_size == std::string::npos)
+            throw StartError("--set " + show(setting) + ": write NAME=VALUE");
+        session.variables[setting.substr(0, name_size)] = setting.substr(name_size + 1);
+    }
+}
+
+struct Tracer : CallListener {
+    void ends(std::string const& call) override { std::cerr << call << '\n'; }
+};
+
+int run(Arguments const& arguments) {
+    Tracer tracer;
+    Host host;
+    if (arguments.trace) host.listener = &tracer;
+    fill(host.session, arguments);
+    std::string const& file = arguments.plugin_file;
+    Plugin const plugin(file.empty() ? bundled_plugin().string() : file);
+    Sequence sequence(host, plugin);
+
+    std::string const& command = arguments.command;
+    if (command == "check") return check(host.session, arguments.writable, sequence);
+    auto const work = [&] {
+        if (command == "install") return sequence.install();
+        if (command == "uninstall") return sequence.run("perform_deintegration");
+        bool has_succeeded = true;
+        for (std::string const& action : arguments.actions)
+            has_succeeded = sequence.run(action) && has_succeeded;
+        return has_succeeded;
+    };
+    std::string const title = "changed by the " + (command == "run" ? "actions" : command);
+    if (arguments.preview) return preview(host.session, arguments.writable, title, work);
+    return exit_status(work());
+}
+
+/// Makes good what the caller may have left: closed streams, descriptors, ignored signals.
+void tidy_process() {
+    int opened = 0;
+    while (opened >= 0 && opened <= STDERR_FILENO)        // the lowest free one is taken
+        opened = open("/dev/null", O_RDONLY | O_CLOEXEC); // not to be written, so that a loss shows
+    close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+    signal(SIGCHLD, SIG_DFL);
+    signal(SIGPIPE, [](int) {}); // not ignored: that would stay so in the commands that are run
+}
+
+int run_command_line(int argc, char const* const* argv) {
+    CLI::App app("Runs the workbench plug-in on a product, without the installer.\n"
+                 "Exit status: 0 all succeeded, 1 something failed, 2 nothing was run.",
+                 "wb-trial");
+    app.fallthrough();
+    app.require_subcommand(0, 1);
+    Arguments arguments;
+    declare_options(app, arguments);
+    declare_commands(app, arguments);
+    try {
+        app.parse(argc, argv);
+        if (app.get_subcommands().empty())
+            throw CLI::RequiredError("A command, check, install, uninstall or run,");
+    } catch (CLI::ParseError const& error) {
+        return app.exit(error) == 0 ? all_succeeded : not_started;
+    }
+    arguments.command = app.get_subcommands().front()->get_name();
+    return run(arguments);
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
-    return trial::run_command_line(argc, argv);
+    tidy_process();
+    try {
+        return run_command_line(argc, argv);
+    } catch (std::exception const& error) {
+        return exit_status(error);
+    }
 }

@@ -2,7 +2,7 @@
 
 #include <dlfcn.h>
 
-#include "trial/start_error.h"
+#include "trial/exit_status.h"
 
 namespace fs = std::filesystem;
 
@@ -11,11 +11,12 @@ namespace trial {
 Plugin::Plugin(fs::path const& file)
     : library_(dlopen(fs::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL), dlclose) {
     if (!library_) throw StartError(file.string() + ": the library does not load: " + dlerror());
-    for (char const* const name : action_names) {
-        void* const symbol = dlsym(library_.get(), name);
-        if (!symbol) throw StartError(file.string() + ": the library exports no " + name);
-        actions_[name] = reinterpret_cast<Action>(symbol);
-    }
+    for (char const* const name : action_names)
+        if (!action(name)) throw StartError(file.string() + ": the library exports no " + name);
+}
+
+Plugin::Action Plugin::action(std::string const& name) const {
+    return reinterpret_cast<Action>(dlsym(library_.get(), name.c_str()));
 }
 
 fs::path bundled_plugin() {

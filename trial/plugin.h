@@ -2,7 +2,6 @@
 
 #include <array>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <string>
 
@@ -23,11 +22,10 @@ class Plugin {
     explicit Plugin(std::filesystem::path const& file);
 
     /// The action of that name, which has to be one of `action_names`.
-    Action action(std::string const& name) const { return actions_.at(name); }
+    Action action(std::string const& name) const;
 
   private:
     std::unique_ptr<void, int (*)(void*)> library_;
-    std::map<std::string, Action> actions_;
 };
 
 /// The library that was built or installed with the program. Throws StartError where there is none.

@@ -1,82 +1,114 @@
 #include "trial/sequence.h"
 
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <iostream>
+#include <sstream>
+
+#include "trial/undo_check.h"
+
 namespace trial {
 
 namespace {
 
-/// The text with its further lines below the first, and no line end.
-std::string indented(std::string const& text) {
-    std::string result;
-    for (char const character : text.substr(0, text.find_last_not_of('\n') + 1)) {
-        result += character;
-        if (character == '\n') result += "    ";
-    }
-    return result;
+/// Why there is no usable workbench, by the verdict on the one that was chosen.
+std::string explanation(std::string const& path_status, std::string const& workbench) {
+    if (workbench.empty())
+        return "no directory in DEFAULT_SEARCH_PATH holds a workbench, that is, install.properties";
+    if (path_status == "undefined")
+        return show(workbench) + " holds no install.properties, or SUPPORTED_VERSION is empty";
+    if (path_status == "unsupported")
+        return show(workbench) +
+               " holds a workbench of none of the versions in SUPPORTED_VERSION; "
+               "each there has to be ended by \";\", and stand behind name= in install.properties";
+    return show(workbench) + " holds a workbench that the installation cannot write into";
 }
 
-std::string explanation(std::string const& path_status) {
-    if (path_status == "undefined")
-        return "holds no workbench (no install.properties in it), or SUPPORTED_VERSION is empty";
-    if (path_status == "unsupported")
-        return "holds a workbench of none of the versions in SUPPORTED_VERSION; each version there "
-               "has to be ended by \";\"";
-    if (path_status == "notwritable")
-        return "holds a workbench that the installation cannot write into";
-    return "was not judged";
+void print(Session const& session, Outcome const& outcome) {
+    for (std::string const& name : outcome.written)
+        std::cout << "  " << name << " = " << show(session.value(name)) << '\n';
+    if (!outcome.output.empty()) {
+        std::cout << "  its command said";
+        if (outcome.output.size() < outcome.output_size)
+            std::cout << " " << outcome.output_size << " bytes, of which the last "
+                      << outcome.output.size() << " were";
+        std::cout << ":\n";
+        std::istringstream lines(outcome.output);
+        for (std::string line; std::getline(lines, line);)
+            std::cout << "    " << printable(line, "\t") << '\n';
+    }
+    for (std::string const& name : outcome.read)
+        if (session.variables.count(name) == 0)
+            std::cout << "  warning: " << name << " was read and is not set\n";
+    for (std::string const& note : outcome.notes)
+        std::cout << "  note: " << printable(note) << '\n';
+    for (std::string const& failure : outcome.failures)
+        std::cout << "  failed: " << printable(failure) << '\n';
+    std::cout.flush();
 }
 
 } // namespace
 
 bool Sequence::install() {
-    auto const chosen = session_.variables.find("WB_INTEGRATION_PATH");
-    bool const has_choice = chosen != session_.variables.end();
-    std::string const choice = has_choice ? chosen->second : "";
-
-    bool well = run("detect_wb_in_default_path");
-    if (has_choice) {
-        session_.variables["WB_INTEGRATION_PATH"] = choice;
-        out_ << "WB_INTEGRATION_PATH is " << show(choice) << " again, as the session has it\n";
+    std::string const choice = host_.session.value("WB_INTEGRATION_PATH");
+    bool has_succeeded = run("detect_wb_in_default_path");
+    if (!choice.empty()) {
+        host_.session.variables["WB_INTEGRATION_PATH"] = choice;
+        std::cout << "WB_INTEGRATION_PATH is " << show(choice) << " again, as the session has it\n";
     }
-    well = run("validate_wb_path") && well;
-    if (!is_usable_workbench()) return false;
+    has_succeeded = run("validate_wb_path") && has_succeeded;
+    std::string const status = host_.session.value("PATH_STATUS");
+    if (status != "ok") {
+        std::cout << "Stopped: " << explanation(status, host_.session.value("WB_INTEGRATION_PATH"))
+                  << ".\n";
+        return false;
+    }
 
-    well = run("find_wb_components") && well;
-    if (session_.variables["WB_INTEGRATION_SUPPORTED"] == "yes")
-        well = run("perform_integration") && well;
+    has_succeeded = run("find_wb_components") && has_succeeded;
+    if (host_.session.value("WB_INTEGRATION_SUPPORTED") == "yes")
+        has_succeeded = run("perform_integration") && has_succeeded;
     else
-        out_ << "Nothing to integrate: no component to be installed has \"workbench\" in its "
-                "name.\n";
-    return run("init_wb_prefs") && well;
-}
-
-bool Sequence::is_usable_workbench() {
-    std::string const status = session_.variables["PATH_STATUS"];
-    if (status == "ok") return true;
-    out_ << "Stopped: " << show(session_.variables["WB_INTEGRATION_PATH"]) << " "
-         << explanation(status) << ".\n";
-    return false;
-}
-
-bool Sequence::run(std::vector<std::string> const& actions) {
-    bool well = true;
-    for (std::string const& action : actions) well = run(action) && well;
-    return well;
+        std::cout << "Nothing to integrate: no component to be installed has \"workbench\" in its "
+                     "name.\n";
+    has_succeeded = run("init_wb_prefs") && has_succeeded;
+    for (auto const& [name, value] : host_.session.variables)
+        if (used_.count(name) == 0)
+            std::cout << "note: no action read or wrote " << printable(name)
+                      << "; is it misspelt, or not needed?\n";
+    return has_succeeded;
 }
 
 bool Sequence::run(std::string const& action) {
-    int const result = session_.run(plugin_.action(action));
-    out_ << action << " returned " << result << '\n';
-
-    ActionReport const& report = session_.report;
-    for (std::string const& name : report.written)
-        out_ << "  " << name << " = " << show(session_.variables[name]) << '\n';
-    if (!report.output.empty())
-        out_ << "  its command said:\n    " << indented(report.output) << '\n';
-    for (std::string const& name : report.unset)
-        out_ << "  warning: " << name << " was read and is not set\n";
-    for (std::string const& failure : report.failures) out_ << "  failed: " << failure << '\n';
-    out_.flush();
-    return result == 0 && report.failures.empty();
+    Outcome& outcome = host_.outcome = {};
+    host_.action = action;
+    std::string removed;
+    if (action == "perform_deintegration") removed = check_before_undo(host_.session, outcome);
+    std::string const earlier_copy = copy_to_be_undone(host_.session);
+    int result = 0;
+    try {
+        result = plugin_.action(action)(&host_.session);
+        std::cout << action << " returned " << result << '\n';
+    } catch (std::exception const& error) {
+        std::cout << action << " did not return\n";
+        outcome.fail(std::string("an exception ended it: ") + error.what());
+    }
+    check_is_removed(removed, outcome);
+    if (!outcome.copy.empty()) check_undo_is_possible(host_.session, earlier_copy, outcome);
+    if (result == -1) outcome.fail("no configuration is listed, or the workbench is no directory");
+    std::string said = outcome.output;
+    for (std::string const& failure : outcome.failures) said += failure;
+    if (geteuid() != 0 && said.find(std::strerror(EOVERFLOW)) != std::string::npos)
+        outcome.notes.emplace_back(
+            "an ordinary user's preview cannot change what belongs to another "
+            "owner or group; this may be its limit, not the product's fault");
+    used_.insert(outcome.read.begin(), outcome.read.end());
+    used_.insert(outcome.written.begin(), outcome.written.end());
+    has_integrated_ = has_integrated_ || !outcome.copy.empty();
+    has_integrated_again_ = has_integrated_again_ || outcome.was_there;
+    print(host_.session, outcome);
+    return result == 0 && outcome.failures.empty();
 }
 
 } // namespace trial

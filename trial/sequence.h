@@ -1,32 +1,31 @@
 #pragma once
 
-#include <ostream>
+#include <set>
 #include <string>
-#include <vector>
 
+#include "trial/host.h"
 #include "trial/plugin.h"
-#include "trial/session.h"
 
 namespace trial {
 
-/// Runs actions in one session and prints what each of them did.
+/// Runs actions in one session and prints on standard output what each of them did.
 class Sequence {
   public:
-    Sequence(Session& session, Plugin const& plugin, std::ostream& out)
-        : session_(session), plugin_(plugin), out_(out) {}
+    Sequence(Host& host, Plugin const& plugin) : host_(host), plugin_(plugin) {}
 
-    /// Each returns whether all went well; to have nothing to integrate is well.
+    /// Both return whether nothing failed; to have nothing to integrate is no failure.
     bool install();
-    bool uninstall() { return run("perform_deintegration"); }
-    bool run(std::vector<std::string> const& actions);
+    bool run(std::string const& action);
+
+    /// Whether an action has begun to change a workbench, and whether it was integrated before.
+    bool has_integrated() const { return has_integrated_; }
+    bool has_integrated_again() const { return has_integrated_again_; }
 
   private:
-    bool run(std::string const& action);
-    bool is_usable_workbench();
-
-    Session& session_;
+    Host& host_;
     Plugin const& plugin_;
-    std::ostream& out_;
+    std::set<std::string> used_; ///< the variables that the actions read or wrote
+    bool has_integrated_ = false, has_integrated_again_ = false;
 };
 
 } // namespace trial

@@ -3,80 +3,89 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdarg>
-#include <cstdio>
+#include <cstring>
 #include <filesystem>
-#include <system_error>
+#include <iostream>
 
 #include "trial/files.h"
-#include "trial/session.h"
+#include "trial/host.h"
 #include "trial/shell.h"
 
 // What the plug-in passes over in silence is told here, as a failure of the action at work.
 
 namespace fs = std::filesystem;
-using trial::Session;
-using trial::show;
-using trial::show_call;
+using namespace trial;
 
 namespace {
 
-void set_variable(session_t* handle, std::string const& name, std::string const& value) {
-    auto& session = static_cast<Session&>(*handle);
-    session.call(show_call("env_set_string", name, value), [&] {
-        session.variables[name] = value;
-        session.report.written.push_back(name);
-    });
+/// A line in pieces, so that a long value in it is not copied.
+struct LogLine : std::vector<std::string_view> {};
+
+using trial::show;
+
+/// The format's text and the arguments of its "%s", in turns.
+LogLine log_line(std::string_view format, va_list arguments) {
+    LogLine line;
+    for (std::size_t at = 0; (at = format.find("%s")) != std::string_view::npos;
+         format.remove_prefix(at + 2)) {
+        line.push_back(format.substr(0, at));
+        line.push_back(va_arg(arguments, char const*));
+    }
+    line.push_back(format);
+    return line;
 }
 
-/// Does `work` on the disk, and reports the call as failed where it throws.
-template <typename Work>
-void call_on_disk(std::string const& text, Work work) {
-    Session& session = Session::current();
-    session.call(text, [&] {
+std::string show(LogLine const& line) {
+    std::string text;
+    for (std::string_view const piece : line) text += piece;
+    return show(text);
+}
+
+void write_log(LogLine const& line) {
+    Host& host = Host::current();
+    if (host.log.is_open()) {
+        for (std::string_view const piece : line) host.log << piece;
+        if (host.log << std::endl) return;
+        host.log.close();
+        host.outcome.fail("the log cannot be written, its lines go to standard error");
+    }
+    for (std::string_view const piece : line) std::cerr << printable(piece, "\t\n");
+    std::cerr << '\n';
+}
+
+void set_variable(session_t* session, std::string const& name, std::string const& value) {
+    auto const set = [&] {
+        static_cast<Session&>(*session).variables[name] = value;
+        Host::current().outcome.written.push_back(name);
+    };
+    host_call(set, "env_set_string", name, value);
+}
+
+/// Does `work` on the disk, and reports the operation as failed where it throws.
+template <typename Work, typename... Arguments>
+void call_on_disk(Work work, char const* operation, Arguments const&... arguments) {
+    auto const reported = [&] {
+        Outcome& outcome = Host::current().outcome;
         try {
-            work();
+            work(outcome);
         } catch (fs::filesystem_error const& error) {
-            bool const is_disk_full = error.code() == std::errc::io_error;
-            session.fail(text + " failed: " + error.code().message() +
-                         (is_disk_full ? " (is the disk full?): " : ": ") +
-                         show(error.path1().string()));
+            outcome.fail(show_call(operation, arguments...) + " failed: " + error.code().message() +
+                         ": " + show(error.path1().string()));
         }
-    });
-}
-
-std::string formatted(char const* format, va_list arguments) {
-    va_list measured;
-    va_copy(measured, arguments);
-    int const size = std::vsnprintf(nullptr, 0, format, measured);
-    va_end(measured);
-    std::string text(static_cast<std::size_t>(size) + 1, '\0');
-    std::vsnprintf(text.data(), text.size(), format, arguments);
-    text.pop_back();
-    return text;
-}
-
-/// The log is the only place where the plug-in tells which script it writes, and that it could not.
-void watch_deintegration_script(Session& session, std::string const& format,
-                                std::string const& line) {
-    auto const argument = [&] { return line.substr(format.rfind("%s")); };
-    if (format == "workbench_int: trying to create %s")
-        session.expect_deintegration_script(argument());
-    if (format == "workbench_int: failed to open %s")
-        session.fail("the de-integration script " + show(argument()) +
-                     " cannot be written; is its folder there and writable?");
+    };
+    host_call(reported, operation, arguments...);
 }
 
 } // namespace
 
-std::string env_get_string(session_t* handle, char const* name) {
-    auto& session = static_cast<Session&>(*handle);
-    return session.call(show_call("env_get_string", name), [&]() -> std::string {
-        auto const variable = session.variables.find(name);
-        if (variable != session.variables.end()) return variable->second;
-        session.report.unset.insert(name);
-        return "";
-    });
+std::string env_get_string(session_t* session, char const* name) {
+    auto const get = [&] {
+        Host::current().outcome.read.insert(name);
+        return static_cast<Session&>(*session).value(name);
+    };
+    return host_call(get, "env_get_string", name);
 }
 
 void env_set_string(session_t* session, char const* name, char const* value) {
@@ -88,73 +97,77 @@ void env_set_string(session_t* session, std::string const& name, std::string con
 }
 
 int log_init(char const* file, logging_state_t**) {
-    Session& session = Session::current();
-    return session.call(show_call("log_init", file), [&] {
-        session.open_log(file);
+    auto const open_log = [&] {
+        Host& host = Host::current();
+        host.log = std::ofstream();
+        if (*file) host.log.open(file, std::ios::app);
+        if (*file && !host.log.is_open())
+            host.outcome.fail("the log " + show(file) + " cannot be opened (" +
+                              std::strerror(errno) + "), its lines go to standard error");
         return 0;
-    });
+    };
+    return host_call(open_log, "log_init", file);
 }
 
 void print_log(char const* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    std::string const line = formatted(format, arguments);
+    LogLine const line = log_line(format, arguments);
     va_end(arguments);
-
-    Session& session = Session::current();
-    session.call(show_call("print_log", line), [&] {
-        watch_deintegration_script(session, format, line);
-        session.write_log(line);
-    });
+    host_call([&] { write_log(line); }, "print_log", line);
 }
 
 std::string path(std::string joined) {
-    return Session::current().call(show_call("path", joined),
-                                   [&] { return trial::normalised(joined); });
+    return host_call([&] { return normalised(joined); }, "path", joined);
 }
 
 int is_dir(std::string const& name) {
-    return Session::current().call(show_call("is_dir", name), [&] {
-        std::error_code unreadable;
-        return int{fs::is_directory(name, unreadable)};
-    });
+    std::error_code unreadable;
+    return host_call([&] { return int{fs::is_directory(name, unreadable)}; }, "is_dir", name);
 }
 
 int is_file(std::string const& name) {
-    return Session::current().call(show_call("is_file", name), [&] {
-        std::error_code unreadable;
-        return int{fs::is_regular_file(name, unreadable)};
-    });
+    std::error_code unreadable;
+    return host_call([&] { return int{fs::is_regular_file(name, unreadable)}; }, "is_file", name);
 }
 
 int is_writable(std::string name) {
-    return Session::current().call(show_call("is_writable", name), [&] {
-        return int{faccessat(AT_FDCWD, name.c_str(), W_OK, AT_EACCESS) == 0};
-    });
+    auto const ask = [&] { return int{faccessat(AT_FDCWD, name.c_str(), W_OK, AT_EACCESS) == 0}; };
+    return host_call(ask, "is_writable", name);
 }
 
 void folder_create(std::string directory, unsigned int mode) {
-    call_on_disk(show_call("folder_create", directory, mode), [&] {
-        fs::create_directories(directory);
-        fs::permissions(directory, static_cast<fs::perms>(mode));
-    });
+    auto const create = [&](Outcome& outcome) {
+        outcome.was_there =
+            fs::is_directory(fs::symlink_status(directory)) && !fs::is_empty(directory);
+        create_folder(directory, mode, outcome);
+    };
+    call_on_disk(create, "folder_create", directory, mode);
 }
 
 void dir_copy(std::string source, std::string destination) {
-    call_on_disk(show_call("dir_copy", source, destination),
-                 [&] { trial::copy_tree(source, destination); });
+    auto const copy = [&](Outcome& outcome) {
+        outcome.copy = destination;
+        copy_tree(source, destination, outcome);
+    };
+    call_on_disk(copy, "dir_copy", source, destination);
 }
 
 std::string get_command_output(std::string command, int* status, bool flag, std::string text) {
-    Session& session = Session::current();
-    std::string const call = show_call("get_command_output", command, *status, flag, text);
-    return session.call(call, [&]() -> std::string {
-        trial::CommandOutcome const outcome = trial::run_command(session.shell, command);
-        *status = outcome.status;
-        session.report.output = outcome.output;
-        if (outcome.status != 0)
-            session.fail("the command " + command + " ended with status " +
-                         std::to_string(outcome.status));
-        return outcome.output;
-    });
+    auto const run = [&] {
+        Host& host = Host::current();
+        if (!host.action.empty())
+            std::cout << host.action << "\n  runs: " << printable(command) << std::endl;
+        CommandOutcome ended = run_in_shell(host.shell, command);
+        *status = ended.status;
+        constexpr std::size_t kept = std::size_t{4} << 20;
+        std::size_t const size = ended.output.size();
+        host.outcome.output_size = size;
+        host.outcome.output = ended.output.substr(size > kept ? size - kept : 0);
+        if (ended.status != 0)
+            host.outcome.fail("the command " + show(command) + " ended with status " +
+                              std::to_string(ended.status));
+        return std::move(ended.output);
+    };
+    return host_call(run, "get_command_output", command, *status, flag, text);
 }

@@ -1,44 +1,72 @@
 #include "trial/shell.h"
 
+#include <fcntl.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
-#include <memory>
+#include <new>
+#include <system_error>
+#include <vector>
 
 namespace trial {
 
 namespace {
 
-std::string single_quoted(std::string const& text) {
-    std::string quoted = "'";
-    for (char const character : text)
-        quoted += character == '\'' ? "'\\''" : std::string{character};
-    return quoted + "'";
+[[noreturn]] void become(char const* shell, char const* command, int output) {
+    dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+    dup2(output, STDOUT_FILENO);
+    dup2(output, STDERR_FILENO);
+    close_range(STDERR_FILENO + 1, ~0U, 0);
+    execl(shell, shell, "-c", command, nullptr);
+    std::perror(shell);
+    _exit(127);
 }
 
-std::string read_all(std::FILE* stream) {
+/// A string that grows to hundreds of megabytes spends its time on copies and fresh pages; address
+/// space that is not used costs nothing.
+void reserve_address_space(std::string& text) try {
+    constexpr std::size_t much = std::size_t{1} << 30;
+    if (text.capacity() < much) text.reserve(much);
+} catch (std::bad_alloc const&) {
+    return; // it grows step by step then
+}
+
+std::string read_all(int input) {
     std::string text;
-    std::array<char, 4096> block;
-    while (std::size_t const size = std::fread(block.data(), 1, block.size(), stream))
-        text.append(block.data(), size);
+    std::vector<char> block(std::size_t{1} << 16);
+    ssize_t size = 0;
+    while ((size = read(input, block.data(), block.size())) > 0) {
+        if (text.size() >= block.size()) reserve_address_space(text);
+        text.append(block.data(), static_cast<std::size_t>(size));
+    }
     return text;
 }
 
 } // namespace
 
-CommandOutcome run_command(std::string const& shell, std::string const& command) {
-    std::string const line =
-        "exec " + single_quoted(shell) + " -c " + single_quoted(command) + " </dev/null 2>&1";
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> process(popen(line.c_str(), "re"), pclose);
-    if (!process) return {127, std::strerror(errno)};
-
-    std::string output = read_all(process.get());
-    int const status = pclose(process.release());
-    if (status == -1) return {127, std::strerror(errno)};
-    return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), output};
+CommandOutcome run_in_shell(std::string const& shell, std::string const& command) {
+    std::array<int, 2> ends = {-1, -1};
+    pid_t const process = pipe2(ends.data(), O_CLOEXEC) == 0 ? fork() : -1;
+    if (process == -1) throw std::system_error(errno, std::generic_category(), "start a command");
+    if (process == 0) become(shell.c_str(), command.c_str(), ends[1]);
+    close(ends[1]);
+    int status = 0;
+    auto const finish = [&] {
+        close(ends[0]);
+        waitpid(process, &status, 0);
+    };
+    std::string output;
+    try {
+        output = read_all(ends[0]);
+    } catch (std::bad_alloc const&) {
+        finish();
+        throw;
+    }
+    finish();
+    return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), std::move(output)};
 }
 
 } // namespace trial

@@ -10,8 +10,8 @@ struct CommandOutcome {
 };
 
 /// Runs `shell -c command` with no standard input, waits for it and for the end of its output, and
-/// returns what it wrote to both its output streams. Where it cannot be started, the status is 127
-/// and the output the reason.
-CommandOutcome run_command(std::string const& shell, std::string const& command);
+/// returns what it wrote to both its output streams. Where there is no such shell, the status is
+/// 127. Throws std::system_error or std::bad_alloc where there is no room for it.
+CommandOutcome run_in_shell(std::string const& shell, std::string const& command);
 
 } // namespace trial

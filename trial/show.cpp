@@ -7,22 +7,40 @@ namespace trial {
 
 namespace {
 
-std::string escaped(char character) {
-    if (character == '"' || character == '\\') return {'\\', character};
-    if (character == '\n') return "\\n";
-    auto const byte = static_cast<unsigned char>(character);
-    if (byte >= ' ' && byte != 127) return {character};
-    std::array<char, 5> hexadecimal;
-    std::snprintf(hexadecimal.data(), hexadecimal.size(), "\\x%02x", byte);
-    return hexadecimal.data();
+template <typename Value>
+std::string formatted(char const* format, Value value) {
+    std::array<char, 32> text;
+    std::snprintf(text.data(), text.size(), format, value);
+    return text.data();
+}
+
+bool is_control(unsigned char byte, unsigned char before) {
+    bool const is_c1_in_utf8 = before == 0xc2 && byte >= 0x80 && byte < 0xa0;
+    return byte < ' ' || byte == 127 || is_c1_in_utf8;
 }
 
 } // namespace
 
+std::string printable(std::string_view text, std::string_view kept) {
+    std::string shown;
+    unsigned char before = 0;
+    for (char const character : text) {
+        auto const byte = static_cast<unsigned char>(character);
+        if (!is_control(byte, before) || kept.find(character) != std::string_view::npos)
+            shown += character;
+        else shown += character == '\n' ? "\\n" : formatted("\\x%02x", byte);
+        before = byte;
+    }
+    return shown;
+}
+
 std::string show(std::string const& text) {
-    std::string shown = "\"";
-    for (char const character : text) shown += escaped(character);
-    return shown + '"';
+    std::string escaped;
+    for (char const character : text) {
+        if (character == '"' || character == '\\') escaped += '\\';
+        escaped += character;
+    }
+    return '"' + printable(escaped) + '"';
 }
 
 std::string show(std::vector<std::string> const& texts) {
@@ -31,22 +49,8 @@ std::string show(std::vector<std::string> const& texts) {
     return shown + "}";
 }
 
-std::string show(char const* text) {
-    return show(std::string(text));
-}
-
-std::string show(void const* pointer) {
-    return pointer ? "set" : "null";
-}
-
-std::string show(int number) {
-    return std::to_string(number);
-}
-
 std::string show(unsigned int mode) {
-    std::array<char, 16> octal;
-    std::snprintf(octal.data(), octal.size(), "%#o", mode);
-    return octal.data();
+    return formatted("%04o", mode & 07777);
 }
 
 } // namespace trial

@@ -1,20 +1,28 @@
 #pragma once
 
-// Values as one line of text, for traces and reports.
+// Values as text, for traces and reports.
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace trial {
 
-/// In double quotes, with control characters, quotes and backslashes escaped.
+/// The text with its control characters escaped, but for those in `kept`, so that it does nothing
+/// to a terminal.
+std::string printable(std::string_view text, std::string_view kept = "");
+
+/// In double quotes on one line, with control characters, quotes and backslashes escaped.
 std::string show(std::string const& text);
 std::string show(std::vector<std::string> const& texts);
-std::string show(char const* text);
-std::string show(int number);
+inline std::string show(int number) {
+    return std::to_string(number);
+}
 /// "null", or "set" for a pointer to anything.
-std::string show(void const* pointer);
-/// A file mode, in octal.
+inline std::string show(void* pointer) {
+    return pointer ? "set" : "null";
+}
+/// A file mode, in octal, without the file's type.
 std::string show(unsigned int mode);
 
 /// A call as it would stand in source code.

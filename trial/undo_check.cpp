@@ -1,0 +1,129 @@
+#include "trial/undo_check.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "trial/files.h"
+
+namespace fs = std::filesystem;
+
+namespace trial {
+
+namespace {
+
+std::string script_path(Session const& session) {
+    return normalised(session.value("VORN_INSTALL_DIR") + session.value("VORN_INSTALL_SUBDIR") +
+                      "/vorn/wb_deintegrate") +
+           ".sh";
+}
+
+/// Why this user cannot run the file, or nothing where that can be done.
+std::string hindrance(std::string const& file) {
+    std::error_code unreachable;
+    if (!fs::exists(file, unreachable)) return "is not there";
+    if (!fs::is_regular_file(file, unreachable)) return "is no regular file";
+    if (access(file.c_str(), X_OK) == 0) return "";
+    return std::string("cannot be executed (") + std::strerror(errno) + ")";
+}
+
+void check_uninstall_script(std::string const& directory, Outcome& outcome) {
+    std::string const script = directory + "/wr-setup/uninst_wr_qev.sh";
+    std::string const hindered = hindrance(script);
+    if (!hindered.empty())
+        outcome.fail("the uninstall script " + show(script) + " " + hindered +
+                     ", so what was set up stays; is it in the product, executable?");
+}
+
+bool is_same(fs::path const& one, fs::path const& other) {
+    std::error_code unreachable;
+    return fs::weakly_canonical(one, unreachable) == fs::weakly_canonical(other, unreachable);
+}
+
+/// What is wrong with the de-integration script, and what to do; nothing where it will do.
+std::string fault(std::string const& script, std::string const& removed, std::string const& copy) {
+    std::string const hindered = hindrance(script);
+    if (hindered == "is no regular file") return hindered + "; remove it and integrate again";
+    if (!removed.empty() && is_same(removed, copy))
+        return hindered.empty() ? "" : hindered + "; its mode has to be 0755, its mount not noexec";
+    fs::path const place = fs::path(script).parent_path();
+    if (access(hindered == "is not there" ? place.c_str() : script.c_str(), W_OK) != 0)
+        return std::string("cannot be written (") + std::strerror(errno) +
+               "); is its folder there and writable?";
+    if (removed.empty())
+        return "is there only in part; is the disk full? Make room and integrate again";
+    return "removes " + show(removed) + " and not the copy; integrate again";
+}
+
+} // namespace
+
+std::string copy_to_be_undone(Session const& session) {
+    std::error_code unreachable;
+    if (!fs::is_regular_file(script_path(session), unreachable)) return "";
+    std::ifstream stream(script_path(session));
+    std::string const script{std::istreambuf_iterator<char>(stream), {}};
+    std::size_t at = 0;
+    auto const skip = [&](std::string const& text) {
+        at = script.compare(at, text.size(), text) == 0 ? at + text.size() : script.size();
+    };
+    auto const word_in_double_quotes = [&] {
+        std::string word;
+        for (; at < script.size() && script[at] != '"'; ++at) {
+            if (script[at] == '\\' && at + 1 < script.size()) ++at;
+            word += script[at];
+        }
+        return word;
+    };
+    skip("#!/bin/sh\n/bin/sh -c \"");
+    word_in_double_quotes();
+    skip("\"\nrm -rf \"");
+    std::string const directory = word_in_double_quotes();
+    bool const is_whole = script.compare(at, std::string::npos, "\"\n") == 0;
+    return is_whole ? directory : "";
+}
+
+void check_undo_is_possible(Session const& session, std::string const& earlier_copy,
+                            Outcome& outcome) {
+    std::string const script = script_path(session);
+    std::string const fault_of_script = fault(script, copy_to_be_undone(session), outcome.copy);
+    if (!fault_of_script.empty())
+        outcome.fail("the de-integration script " + show(script) + " " + fault_of_script);
+    check_uninstall_script(outcome.copy, outcome);
+    std::error_code unreachable;
+    if (fs::exists(earlier_copy, unreachable) && !is_same(earlier_copy, outcome.copy))
+        outcome.fail("the earlier integration in " + show(earlier_copy) +
+                     " has lost its de-integration script to this one; undo it by hand");
+}
+
+std::string check_before_undo(Session const& session, Outcome& outcome) {
+    std::string const script = script_path(session);
+    std::string hindered = hindrance(script);
+    if (hindered == "is not there") return ""; // the command will fail, which is told as it is
+    std::string removed = copy_to_be_undone(session);
+    std::error_code unreachable;
+    if (removed.empty()) {
+        if (access(script.c_str(), R_OK) != 0) hindered = "cannot be read";
+        if (hindered.empty()) hindered = "is there only in part";
+        outcome.fail("the de-integration script " + show(script) + " " + hindered +
+                     "; integrate again, then uninstall");
+    } else if (fs::is_directory(fs::symlink_status(removed, unreachable))) {
+        check_uninstall_script(removed, outcome);
+    } else {
+        outcome.fail("the directory " + show(removed) +
+                     " that the de-integration script removes was not there; was it named from "
+                     "another folder, or is it uninstalled already?");
+    }
+    return removed;
+}
+
+void check_is_removed(std::string const& directory, Outcome& outcome) {
+    std::error_code unreachable;
+    if (fs::exists(fs::symlink_status(directory, unreachable)))
+        outcome.fail("the directory " + show(directory) + " is still there; see the output");
+}
+
+} // namespace trial
