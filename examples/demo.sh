@@ -1,14 +1,17 @@
 #!/bin/sh
 # usage: demo.sh BUILD-FOLDER
-# Installs the example product into a copy of the example workbench and uninstalls it. Shows each
-# step, and fails where a step did not do what it shows.
+# Checks the example product, installs it into a copy of the example workbench and uninstalls it.
+# Shows each step, and fails where a step did not do what it shows.
 set -eu
+unset CDPATH
 wb_trial=$(cd "$1" && pwd)/wb-trial
 examples=$(cd "$(dirname "$0")" && pwd)
-place=$(cd "$(mktemp -d)" && pwd -P)
-trap 'rm -rf "$place"' EXIT
+folder=$(cd "$(mktemp -d)" && pwd -P)
+trap 'rm -rf "$folder"' EXIT
+place=$folder/try
+mkdir "$place"
 cp -R "$examples/workbench" "$examples/product" "$examples/session.toml" "$place"
-cp -R "$place/workbench" "$place/before"
+cp -R "$place/workbench" "$folder/workbench"
 cd "$place"
 
 plugins=workbench/configuration/plugins.list
@@ -20,17 +23,32 @@ fail() {
     echo "demo: $*" >&2
     exit 1
 }
+# trial COMMAND
+trial() {
+    title "wb-trial $1 session.toml"
+    set -- "$1" session.toml
+    case $place in
+    *' '*) set -- "$@" --set "WB_INTEGRATION_PATH=$place/workbench" ;; # a list could not hold it
+    esac
+    "$wb_trial" "$@"
+}
 show_workbench() {
     find workbench -type f | LC_ALL=C sort
     title "$plugins"
     cat "$plugins"
 }
+state() { find . -exec stat -c '%n %s %A %u %g %Y' {} + | LC_ALL=C sort; }
 
 title "the workbench before"
 show_workbench
 
-title "wb-trial install session.toml"
-"$wb_trial" install session.toml
+state >"$folder/state"
+trial check >"$folder/report" || fail "the check failed: $(cat "$folder/report")"
+cat "$folder/report"
+grep -qxF 'The workbench is as it was.' "$folder/report" || fail "the check reached no verdict"
+state | diff "$folder/state" - || fail "the check changed the disk"
+
+trial install
 grep -qxF "qev=$place/product/suite/workbench" "$plugins" || fail "the setup script did not run"
 diff -r product/suite/workbench/wr-qev-4.2a workbench/wr-qev-4.2a ||
     fail "the configuration was not copied whole"
@@ -44,9 +62,8 @@ title "$preferences"
 cat "$preferences"
 grep -qxF "installDir=$place/product/suite" "$preferences" || fail "the location is not set"
 
-title "wb-trial uninstall session.toml"
-"$wb_trial" uninstall session.toml
+trial uninstall
 
 title "the workbench again"
 show_workbench
-diff -r before workbench || fail "the workbench is not as it was"
+diff -r "$folder/workbench" workbench || fail "the workbench is not as it was"
