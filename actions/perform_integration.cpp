@@ -10,10 +10,10 @@ namespace workbench_int {
 
 namespace {
 
-/// Whether a component of the path is "..", so that the copy, and what the de-integration script
-/// removes, could be a directory beside or above the one that the name promises.
+/// Whether a component behind the first, which begins with the marker, is "..": the copy, and what
+/// the de-integration script removes, could then be another directory than the name promises.
 bool leads_elsewhere(std::string const& configuration) {
-    return ("/" + configuration + "/").find("/../") != std::string::npos;
+    return (configuration + "/").find("/../") != std::string::npos;
 }
 
 } // namespace

@@ -22,6 +22,8 @@ The workbench comes first, then the list, then writing:
   $ chmod 555 workbench
   $ unprivileged validate
   "notwritable"
+  $ tail -n 1 log
+  workbench_int: cannot write to workbench
   $ unprivileged validate --set SUPPORTED_VERSION=2\;
   "unsupported"
   $ chmod 755 workbench
@@ -56,6 +58,8 @@ The component that answers for the workbench, for lists of names:
   'Workbench work-bench' find_wb_components returned 0 WB_INTEGRATION_SUPPORTED = "no"
   'docs product-workbench-support workbench' find_wb_components returned 0 WB_INTEGRATION_SUPPORTED = "yes" WB_INSTALL_SUBDIR = "/product-workbench-support"
   'off-workbench workbench' find_wb_components returned 0 WB_INTEGRATION_SUPPORTED = "yes" WB_INSTALL_SUBDIR = "/workbench"
+  $ grep -c 'integration is not supported$' log
+  2
 
 An integration that cannot begin touches nothing:
 
@@ -68,7 +72,8 @@ An integration that cannot begin touches nothing:
   perform_integration returned -1
     failed: no configuration is listed, or the workbench is no directory
   [1]
-  $ tail -n 1 log
+  $ grep -e 'not supported$' -e 'not a directory$' log | tail -n 2
+  workbench_int: workbench path: workbench/install.properties does not exist or not a directory
   workbench_int: workbench integration is not supported
   $ find . | sort | diff "$TMPDIR/before" -
 

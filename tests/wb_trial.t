@@ -109,7 +109,7 @@ One in a tree that a group shares is written too, though its group cannot be kep
   $ if chgrp 12345 product/real 2>/dev/null; then
   >     chown "$(id -u)" product/real; chmod 660 product/real
   >     setpriv --bounding-set=-chown wb-trial run s.toml init_wb_prefs --set WB_PREFS=readme 2>&1 | tail -n 1; stat -c %a product/real
-  > else printf '  note: the group 12345 of a preferences file could not be kept\n600\n'; fi
+  > else printf '  note: the group of "/product/real" could not be kept\n600\n'; fi
     note: the group of "*/product/real" could not be kept (glob)
   600
 
