@@ -99,12 +99,11 @@ int run(Arguments const& arguments) {
     return exit_status(work());
 }
 
-/// Makes good what the caller may have left: closed streams, descriptors, ignored signals.
+/// Makes good what the caller may have left: closed streams and ignored signals.
 void tidy_process() {
     int opened = 0;
     while (opened >= 0 && opened <= STDERR_FILENO)        // the lowest free one is taken
         opened = open("/dev/null", O_RDONLY | O_CLOEXEC); // not to be written, so that a loss shows
-    close_range(STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     signal(SIGCHLD, SIG_DFL);
     signal(SIGPIPE, [](int) {}); // not ignored: that would stay so in the commands that are run
 }
