@@ -3,7 +3,7 @@ as both), and leave the disk as it was.
 
   $ . "$TESTDIR/site.sh"
   $ chmod 711 "$CRAMTMP"; mkdir "$CRAMTMP"/{home,t}
-  $ own() { chown -hR "$1:$1" . "$CRAMTMP"/{home,t,tmp}; } 2>/dev/null
+  $ own() { chown -hR "$1:$1" . "$CRAMTMP"/{home,t,tmp}; [ "$1" = "$(id -u)" ] || chown 12345 others; } 2>/dev/null
   $ as() {
   >     if [ "$1" = "$(id -u)" ]; then "${@:2}"; else setpriv --reuid="$1" --regid="$1" --clear-groups "${@:2}"; fi
   > }
@@ -89,6 +89,13 @@ Whether the uninstall undoes what the setup did:
     A ../tmp/a,b:c\d"e'\n f/x
   failed: the uninstall leaves the workbench changed
   Nothing on the disk was changed. Status 1
+
+A workbench below somebody else's folder:
+
+  $ lay :; mkdir others; mv workbench others; name=others/workbench
+  $ try check | tail -n 2
+  The workbench is as it was.
+  Nothing on the disk was changed. Status 0
 
 A process that is left running ends with the sandbox:
 
