@@ -120,7 +120,7 @@ What a setup script finds, whatever the caller left in disorder:
   > until grep -q 'runs: ' report; do sleep 0.1; done
   > read -r line || echo "end of input"
   > sh -c 'kill -PIPE $$'; echo "status $?"
-  > [ ! -e /proc/self/fd/7 ] && printf 'no descriptor 7\tESC \033[1m\n' >&2
+  > [ "$(ls /proc/self/fd | wc -w)" = 4 ] && printf 'no other descriptor\tESC \033[1m \302\233\n' >&2
   > END
   $ mkfifo never
   $ timeout 20 env --ignore-signal=CHLD --ignore-signal=PIPE wb-trial run s.toml perform_integration --set WB_INTEGRATION_PATH=workbench >report 0<>never 7<s.toml
@@ -128,7 +128,7 @@ What a setup script finds, whatever the caller left in disorder:
     its command said:
       end of input
       status 141
-      no descriptor 7\tESC \\x1b[1m (esc)
+      no other descriptor\tESC \\x1b[1m \xc2\\x9b (esc)
   $ integrate --set WORKBENCH_SCRIPT_NAME=$'\033[1m' | grep -e runs: -e failed:
     runs: "workbench/wr-qev-1.0a/wr-setup/\x1b[1m.sh" "./product/suite/part"
     failed: the command "\"workbench/wr-qev-1.0a/wr-setup/\x1b[1m.sh\" \"./product/suite/part\"" ended with status 127
