@@ -50,8 +50,9 @@ std::string remedy() {
 }
 
 void check(bool succeeds, std::string const& what) {
-    std::string const cause = std::strerror(errno);
-    if (!succeeds) refuse(what + ": " + cause, remedy());
+    if (succeeds) return;
+    std::string const cause = std::strerror(errno); // before the remedy is looked for
+    refuse(what + ": " + cause, remedy());
 }
 
 /// A path for this process alone to what the descriptor stands for, whatever its name.

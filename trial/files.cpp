@@ -113,8 +113,8 @@ class TreeCopy {
             ssize_t size = 0;
             while ((size = sendfile(file, from, nullptr, std::size_t{64} << 20)) > 0)
                 show_progress();
-            struct stat original {
-            }, copy{};
+            struct stat original {};
+            struct stat copy {};
             check(size == 0 && fstat(from, &original) == 0 && fstat(file, &copy) == 0, target);
             check(fchmod(file, copied_mode(original, copy)) == 0, target);
         });

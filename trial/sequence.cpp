@@ -83,9 +83,9 @@ bool Sequence::install() {
 bool Sequence::run(std::string const& action) {
     Outcome& outcome = host_.outcome = {};
     host_.action = action;
-    std::string removed;
-    if (action == "perform_deintegration") removed = check_before_undo(host_.session, outcome);
+    bool const is_undo = action == "perform_deintegration";
     std::string const earlier_copy = copy_to_be_undone(host_.session);
+    if (is_undo) check_before_undo(host_.session, earlier_copy, outcome);
     int result = 0;
     try {
         result = plugin_.action(action)(&host_.session);
@@ -94,7 +94,7 @@ bool Sequence::run(std::string const& action) {
         std::cout << action << " did not return\n";
         outcome.fail(std::string("an exception ended it: ") + error.what());
     }
-    check_is_removed(removed, outcome);
+    if (is_undo) check_is_removed(earlier_copy, outcome);
     if (!outcome.copy.empty()) check_undo_is_possible(host_.session, earlier_copy, outcome);
     if (result == -1) outcome.fail("no configuration is listed, or the workbench is no directory");
     std::string said = outcome.output;

@@ -46,12 +46,15 @@ bool is_same(fs::path const& one, fs::path const& other) {
 
 /// What is wrong with the de-integration script, and what to do; nothing where it will do.
 std::string fault(std::string const& script, std::string const& removed, std::string const& copy) {
+    std::error_code unreachable;
+    bool const is_there = fs::exists(script, unreachable);
+    if (is_there && !fs::is_regular_file(script, unreachable))
+        return "is no regular file; remove it and integrate again";
     std::string const hindered = hindrance(script);
-    if (hindered == "is no regular file") return hindered + "; remove it and integrate again";
     if (!removed.empty() && is_same(removed, copy))
         return hindered.empty() ? "" : hindered + "; its mode has to be 0755, its mount not noexec";
-    fs::path const place = fs::path(script).parent_path();
-    if (access(hindered == "is not there" ? place.c_str() : script.c_str(), W_OK) != 0)
+    fs::path const written = is_there ? fs::path(script) : fs::path(script).parent_path();
+    if (access(written.c_str(), W_OK) != 0)
         return std::string("cannot be written (") + std::strerror(errno) +
                "); is its folder there and writable?";
     if (removed.empty())
@@ -99,31 +102,29 @@ void check_undo_is_possible(Session const& session, std::string const& earlier_c
                      " has lost its de-integration script to this one; undo it by hand");
 }
 
-std::string check_before_undo(Session const& session, Outcome& outcome) {
-    std::string const script = script_path(session);
-    std::string hindered = hindrance(script);
-    if (hindered == "is not there") return ""; // the command will fail, which is told as it is
-    std::string removed = copy_to_be_undone(session);
+void check_before_undo(Session const& session, std::string const& copy, Outcome& outcome) {
     std::error_code unreachable;
-    if (removed.empty()) {
-        if (access(script.c_str(), R_OK) != 0) hindered = "cannot be read";
-        if (hindered.empty()) hindered = "is there only in part";
-        outcome.fail("the de-integration script " + show(script) + " " + hindered +
+    std::string const script = script_path(session);
+    if (!fs::exists(script, unreachable)) return; // the command will fail, which is told as it is
+    if (copy.empty()) {
+        std::string fault = "is there only in part";
+        if (access(script.c_str(), R_OK) != 0) fault = "cannot be read";
+        else if (!fs::is_regular_file(script, unreachable)) fault = "is no regular file";
+        outcome.fail("the de-integration script " + show(script) + " " + fault +
                      "; integrate again, then uninstall");
-    } else if (fs::is_directory(fs::symlink_status(removed, unreachable))) {
-        check_uninstall_script(removed, outcome);
+    } else if (fs::is_directory(fs::symlink_status(copy, unreachable))) {
+        check_uninstall_script(copy, outcome);
     } else {
-        outcome.fail("the directory " + show(removed) +
+        outcome.fail("the directory " + show(copy) +
                      " that the de-integration script removes was not there; was it named from "
                      "another folder, or is it uninstalled already?");
     }
-    return removed;
 }
 
-void check_is_removed(std::string const& directory, Outcome& outcome) {
+void check_is_removed(std::string const& copy, Outcome& outcome) {
     std::error_code unreachable;
-    if (fs::exists(fs::symlink_status(directory, unreachable)))
-        outcome.fail("the directory " + show(directory) + " is still there; see the output");
+    if (fs::exists(fs::symlink_status(copy, unreachable)))
+        outcome.fail("the directory " + show(copy) + " is still there; see the output");
 }
 
 } // namespace trial

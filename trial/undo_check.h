@@ -15,10 +15,10 @@ std::string copy_to_be_undone(Session const& session);
 void check_undo_is_possible(Session const& session, std::string const& earlier_copy,
                             Outcome& outcome);
 
-/// Before a de-integration. Returns the directory that it is to remove, as far as that is known.
-std::string check_before_undo(Session const& session, Outcome& outcome);
+/// Before a de-integration that is to remove `copy`, the answer of `copy_to_be_undone`.
+void check_before_undo(Session const& session, std::string const& copy, Outcome& outcome);
 
 /// After it.
-void check_is_removed(std::string const& directory, Outcome& outcome);
+void check_is_removed(std::string const& copy, Outcome& outcome);
 
 } // namespace trial
