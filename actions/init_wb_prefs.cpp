@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "host/component_model.h"
 #include "host/ini_db.h"
@@ -14,9 +15,9 @@ namespace {
 
 /// Whether the session marks the file as one of the workbench's preferences files. An empty marker
 /// marks none, rather than every file of the product.
-bool is_preferences_file(session_t* session, std::string const& file) {
+bool is_preferences_file(session_t* session, std::string_view file) {
     std::string const marker = env_get_string(session, "WB_PREFS");
-    return !marker.empty() && file.find(marker) != std::string::npos;
+    return !marker.empty() && file.find(marker) != std::string_view::npos;
 }
 
 void set_location(session_t* session, std::string const& file, std::string const& location) {
@@ -36,7 +37,7 @@ int init_wb_prefs(session_t* session) {
     for (Component* const component : session->tsd.components()) {
         if (!is_to_be_installed(component)) continue;
         for (std::string const& file : installed_files(*component)) {
-            if (!is_preferences_file(session, file)) continue;
+            if (file.empty() || !is_preferences_file(session, file)) continue;
             print_log("workbench_init:: found WB prefs file: <%s>", file.c_str());
             set_location(session, file, location);
         }

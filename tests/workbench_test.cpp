@@ -35,6 +35,7 @@ TEST(IsSupported, FindsTheKeyWithinAWord) {
     std::string const block(65536, 'x');
     EXPECT_TRUE(finds(block.substr(7) + "name=3.1", "name=3.1"));
     EXPECT_TRUE(finds(block + block, block + "xx"));
+    EXPECT_FALSE(finds(block + "y", "yx")) << "what an earlier block left behind the end";
     for (char const space : {' ', '\t', '\n', '\r', '\v', '\f'})
         EXPECT_FALSE(finds({'a', space, 'b'}, {'a', space, 'b'})) << int{space};
     EXPECT_FALSE(is_supported("absent", ""));

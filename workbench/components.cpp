@@ -1,7 +1,5 @@
 #include "workbench/components.h"
 
-#include <algorithm>
-
 namespace workbench_int {
 
 bool is_to_be_installed(Component* component) {
@@ -15,10 +13,7 @@ std::vector<std::string> installed_files(Component& component) {
     if (!handle) return {};
 
     ComponentProvider* const listing = component.provider();
-    if (!listing) return {};
-    std::vector<std::string> files = listing->fileList(handle);
-    files.erase(std::remove(files.begin(), files.end(), std::string()), files.end());
-    return files;
+    return listing ? listing->fileList(handle) : std::vector<std::string>();
 }
 
 } // namespace workbench_int

@@ -13,8 +13,8 @@ namespace workbench_int {
 /// further than the first "no".
 bool is_to_be_installed(Component* component);
 
-/// The paths of the component's installed files, in order; none of them is empty. None where the
-/// component's provider, or its handle for the files, is null.
+/// The paths of the component's installed files, in order; one that is empty counts as none. None
+/// where the component's provider, or its handle for the files, is null.
 std::vector<std::string> installed_files(Component& component);
 
 } // namespace workbench_int

@@ -17,14 +17,11 @@ std::string with_slashes(std::string file) {
     return file;
 }
 
-/// The name where `file` holds the marker, otherwise empty.
+/// The name in a path that holds the marker.
 std::string configuration_name(std::string const& file) {
-    // The marker holds no separator, so it stands at the same place in the normalised path.
-    std::size_t const begin = file.find(marker);
-    if (begin == std::string::npos) return "";
     std::string const normalised = with_slashes(file);
     print_log("workbench_int: found workbench configuration: %s", normalised.c_str());
-    return normalised.substr(begin, marker.size() + 4);
+    return normalised.substr(normalised.find(marker), marker.size() + 4);
 }
 
 } // namespace
@@ -35,9 +32,11 @@ std::string get_wb_integration(std::vector<Component*> components) {
     for (Component* const component : components) {
         if (!workbench_int::is_to_be_installed(component)) continue;
         for (std::string const& file : workbench_int::installed_files(*component)) {
+            if (file.empty()) continue;
             print_log("workbench_int: current_file: %s", file.c_str());
-            std::string name = workbench_int::configuration_name(file);
-            if (!name.empty()) return name;
+            // A string's own search is a call into the runtime for each path, a view's is not.
+            if (std::string_view(file).find(workbench_int::marker) != std::string_view::npos)
+                return workbench_int::configuration_name(file);
         }
     }
     return "";

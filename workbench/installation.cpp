@@ -1,5 +1,7 @@
 #include "workbench/installation.h"
 
+#include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <locale>
 
@@ -12,16 +14,16 @@ namespace {
 /// Whether `key` stands in what is left of the stream. Reads block by block and keeps the end of
 /// one block for the next, so that a file of any size, even of a single word, costs little memory.
 bool contains(std::istream& stream, std::string const& key) {
+    if (key.empty()) return true;
     constexpr std::size_t block_size = std::size_t{16} * 1024;
-    std::size_t const overlap = key.empty() ? 0 : key.size() - 1;
-    std::string window;
+    std::string window(key.size() - 1 + block_size, '\0');
+    std::size_t kept = 0;
     do {
-        if (window.size() > overlap) window.erase(0, window.size() - overlap);
-        std::size_t const kept = window.size();
-        window.resize(kept + block_size);
         stream.read(&window[kept], block_size);
-        window.resize(kept + static_cast<std::size_t>(stream.gcount()));
-        if (window.find(key) != std::string::npos) return true;
+        std::size_t const end = kept + static_cast<std::size_t>(stream.gcount());
+        if (memmem(window.data(), end, key.data(), key.size())) return true;
+        kept = std::min(end, key.size() - 1);
+        std::memmove(&window[0], &window[end - kept], kept);
     } while (stream);
     return false;
 }
