@@ -13,13 +13,6 @@ struct Provider final : ComponentProvider {
     std::vector<std::string> files;
 
     void* query(std::string, std::string, std::string) override { return &files; }
-    void unused2() override {}
-    void unused3() override {}
-    void unused4() override {}
-    void unused5() override {}
-    void unused6() override {}
-    void unused7() override {}
-    void unused8() override {}
     std::vector<std::string> fileList(void*) override { return files; }
 };
 

@@ -14,13 +14,13 @@ class ComponentProvider {
     /// plug-in passes empty strings for the other two arguments.
     virtual void* query(std::string first, std::string component, std::string third) = 0;
 
-    virtual void unused2() = 0;
-    virtual void unused3() = 0;
-    virtual void unused4() = 0;
-    virtual void unused5() = 0;
-    virtual void unused6() = 0;
-    virtual void unused7() = 0;
-    virtual void unused8() = 0;
+    virtual void unused2() {}
+    virtual void unused3() {}
+    virtual void unused4() {}
+    virtual void unused5() {}
+    virtual void unused6() {}
+    virtual void unused7() {}
+    virtual void unused8() {}
 
     /// The paths of the installed files, for a handle that `query` of this provider returned. A
     /// path may be empty, and its separators may be slashes or backslashes.

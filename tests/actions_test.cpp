@@ -35,6 +35,28 @@ TEST(Actions, MakeTheseHostCallsAndNoOthers) {
     EXPECT_EQ(site.calls.end()[-2], "print_log(\"workbench_int: empty SUPPORTED_VERSION\")");
 }
 
+TEST(Actions, ReachAProvidersOperationsByTheirPositions) {
+    // A provider as another compiler lays it out: it begins with the address of its operations.
+    void* (*const query)(void*, std::string, std::string, std::string) =
+        [](void* provider, std::string, std::string, std::string) { return provider; };
+    Texts (*const file_list)(void*, void*) = [](void*, void*) { return Texts{"wr-qev-1.0a"}; };
+    void (*const unused)(void*) = [](void*) { ADD_FAILURE() << "this one is never called"; };
+    std::vector<void const*> table(11, reinterpret_cast<void*>(unused));
+    table[0] = nullptr;
+    table[1] = &typeid(trial::FileProvider);
+    table[2] = reinterpret_cast<void*>(query);
+    table[10] = reinterpret_cast<void*>(file_list);
+    void const* const* provider = &table[2];
+
+    Site site;
+    auto& file_provider = site.host.session.components.front()->file_provider;
+    auto const own = std::exchange(
+        file_provider,
+        std::unique_ptr<trial::FileProvider>(reinterpret_cast<trial::FileProvider*>(&provider)));
+    EXPECT_EQ(get_wb_integration(site.host.session.tsd.components()), "wr-qev-1.0a");
+    static_cast<void>(file_provider.release());
+}
+
 TEST(Actions, IntegrateUnderTheNameInTheFirstPathWithTheMarker) {
     std::tuple<Texts, std::string, bool> const cases[] = {
         {{"", "a/WR-QEV-1.0/b", "a/wr-qev", "wr\\qev-1.0"}, "", true},

@@ -15,13 +15,6 @@ class FileProvider final : public ComponentProvider {
     std::vector<std::string> files;
 
     void* query(std::string first, std::string component, std::string third) override;
-    void unused2() override {}
-    void unused3() override {}
-    void unused4() override {}
-    void unused5() override {}
-    void unused6() override {}
-    void unused7() override {}
-    void unused8() override {}
     std::vector<std::string> fileList(void* handle) override;
 };
 
