@@ -32,7 +32,7 @@ void walk(bench::Session& session, EachFile each_file) {
     }
 }
 
-void get_wb_integration_plug_in(benchmark::State& state) {
+void get_wb_integration_ours(benchmark::State& state) {
     bench::Session session(static_cast<std::size_t>(state.range()));
     for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(get_wb_integration(session.tsd.components()));
@@ -46,7 +46,7 @@ void get_wb_integration_bare(benchmark::State& state) {
         });
 }
 
-void init_wb_prefs_plug_in(benchmark::State& state) {
+void init_wb_prefs_ours(benchmark::State& state) {
     bench::Session session(static_cast<std::size_t>(state.range()));
     session.variables["WB_PREFS"] = "workbench.prefs";
     for ([[maybe_unused]] auto _ : state) init_wb_prefs(&session);
@@ -83,7 +83,7 @@ class Workbench {
     std::string const properties = folder + "/install.properties";
 };
 
-void is_supported_plug_in(benchmark::State& state) {
+void is_supported_ours(benchmark::State& state) {
     Workbench const workbench(state.range());
     for ([[maybe_unused]] auto _ : state)
         if (!is_supported(workbench.properties, "name=3.1")) state.SkipWithError("not found");
@@ -96,7 +96,7 @@ void is_supported_bare(benchmark::State& state) {
         if (std::system(command.c_str()) != 0) state.SkipWithError("not found");
 }
 
-void validate_wb_path_plug_in(benchmark::State& state) {
+void validate_wb_path_ours(benchmark::State& state) {
     Workbench const workbench(1024);
     bench::Session session(0);
     std::string versions;
@@ -132,7 +132,7 @@ std::string directories(std::int64_t count) {
     return text;
 }
 
-void split_by_delimiter_plug_in(benchmark::State& state) {
+void split_by_delimiter_ours(benchmark::State& state) {
     std::string const text = directories(state.range());
     for ([[maybe_unused]] auto _ : state) benchmark::DoNotOptimize(split_by_delimiter(text, ' '));
 }
@@ -151,13 +151,13 @@ void split_by_delimiter_bare(benchmark::State& state) {
 
 } // namespace
 
-BENCHMARK(get_wb_integration_plug_in)->Arg(1000)->Arg(20000)->Arg(200000);
+BENCHMARK(get_wb_integration_ours)->Arg(1000)->Arg(20000)->Arg(200000);
 BENCHMARK(get_wb_integration_bare)->Arg(1000)->Arg(20000)->Arg(200000);
-BENCHMARK(init_wb_prefs_plug_in)->Arg(1000)->Arg(20000)->Arg(200000);
+BENCHMARK(init_wb_prefs_ours)->Arg(1000)->Arg(20000)->Arg(200000);
 BENCHMARK(init_wb_prefs_bare)->Arg(1000)->Arg(20000)->Arg(200000);
-BENCHMARK(is_supported_plug_in)->Arg(1 << 10)->Arg(1 << 20)->Arg(1 << 26)->UseRealTime();
+BENCHMARK(is_supported_ours)->Arg(1 << 10)->Arg(1 << 20)->Arg(1 << 26)->UseRealTime();
 BENCHMARK(is_supported_bare)->Arg(1 << 10)->Arg(1 << 20)->Arg(1 << 26)->UseRealTime();
-BENCHMARK(validate_wb_path_plug_in)->Arg(1)->Arg(10)->Arg(100);
+BENCHMARK(validate_wb_path_ours)->Arg(1)->Arg(10)->Arg(100);
 BENCHMARK(validate_wb_path_bare)->Arg(1)->Arg(10)->Arg(100);
-BENCHMARK(split_by_delimiter_plug_in)->Arg(10)->Arg(10000);
+BENCHMARK(split_by_delimiter_ours)->Arg(10)->Arg(10000);
 BENCHMARK(split_by_delimiter_bare)->Arg(10)->Arg(10000);
