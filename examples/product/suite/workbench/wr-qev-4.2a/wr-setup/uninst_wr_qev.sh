@@ -3,6 +3,5 @@
 set -eu
 workbench=$(cd "$(dirname "$0")/../.." && pwd)
 list=$workbench/configuration/plugins.list
-sed '/^qev=/d' "$list" >"$list.new"
-mv "$list.new" "$list"
+sed -i '/^qev=/d' "$list" # keeps its mode and owner
 echo "took qev out of $list"
