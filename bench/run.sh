@@ -12,6 +12,6 @@ WB_TRIAL=$1/wb-trial "$1/workbench-int-bench" --benchmark_format=json --benchmar
         (map(select(.side == "ours").time) | min) as $ours |
         (map(select(.side == "bare").time) | min) as $bare |
         [.[0].work, .[0].size, ($ours / 10 | round / 100), ($bare / 10 | round / 100),
-            ($ours / $bare * 100 | round / 100)] | @tsv' |
+            ($ours / $bare * 1000 | round / 1000)] | @tsv' |
     awk 'BEGIN { printf "%-20s %10s %12s %12s %7s\n", "work", "size", "ours", "bare", "ratio" }
-        { printf "%-20s %10s %12.2f %12.2f %7.2f\n", $1, $2, $3, $4, $5 }'
+        { printf "%-20s %10s %12.2f %12.2f %7.3f\n", $1, $2, $3, $4, $5 }'
