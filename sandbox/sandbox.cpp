@@ -81,44 +81,50 @@ bool is_own_down_to(fs::path const& directory, fs::path const& outer) {
     return true;
 }
 
-/// A directory to be covered, with its status: in a user namespace the owner could not be told.
-using Directories = std::map<fs::path, struct stat>;
+struct Covered {
+    /// With their status: in a user namespace the owner could not be told.
+    std::map<fs::path, struct stat> directories;
+    std::vector<fs::path> mounted_files; ///< below them; these stay, read-only
+};
 
 /// The directories that need an overlay of their own, parents first: those that lie in no other or
 /// cannot be changed through it, and all mounts below them. One that this user cannot enter needs
 /// none.
-Directories covered(std::vector<fs::path> const& named, bool is_root) {
+Covered covered(std::vector<fs::path> const& named, bool is_root) {
     std::set<fs::path> directories;
     std::error_code absent;
     for (fs::path const& name : named)
         if (fs::is_directory(name, absent) && access(name.c_str(), R_OK | X_OK) == 0)
             directories.insert(fs::canonical(name));
     directories.erase("/"); // it could only be entered, not covered
-    Directories result;
+    Covered result;
     for (fs::path const& directory : directories) { // parents come before what lies in them
         auto const covers = [&](auto const& outer) { return lies_below(directory, outer.first); };
-        auto const outer = std::find_if(result.rbegin(), result.rend(), covers);
-        bool const is_covered =
-            outer != result.rend() && (is_root || is_own_down_to(directory, outer->first));
-        if (!is_covered) result[directory];
+        auto const outer =
+            std::find_if(result.directories.rbegin(), result.directories.rend(), covers);
+        bool const is_covered = outer != result.directories.rend() &&
+                                (is_root || is_own_down_to(directory, outer->first));
+        if (!is_covered) result.directories[directory];
     }
 
-    if (result.empty()) refuse("there is no directory that may change", "name one");
+    if (result.directories.empty()) refuse("there is no directory that may change", "name one");
     std::FILE* const mounts = setmntent("/proc/self/mounts", "re");
     check(mounts, "read /proc/self/mounts");
     while (mntent const* const mount = getmntent(mounts)) {
         std::string const point = mount->mnt_dir;
         auto const covers = [&](auto const& outer) { return lies_below(point, outer.first); };
-        bool const is_inside = std::any_of(result.begin(), result.end(), covers);
+        bool const is_inside =
+            std::any_of(result.directories.begin(), result.directories.end(), covers);
         if (!is_inside || !fs::exists(point, absent)) continue; // or hidden by a later mount
-        if (!is_root || !fs::is_directory(point))
-            refuse(point + " is mounted below a directory that may change, and cannot be covered" +
-                       (is_root ? ", for it is a file" : " by an ordinary user"),
-                   is_root ? "unmount it" : "unmount it or run as root");
-        result[point];
+        if (!is_root)
+            refuse(point + " is mounted below a directory that may change, and cannot be covered "
+                           "by an ordinary user",
+                   "unmount it or run as root; below HOME or TMPDIR, let these name another");
+        if (fs::is_directory(point)) result.directories[point];
+        else result.mounted_files.push_back(point);
     }
     endmntent(mounts);
-    for (auto& [directory, status] : result)
+    for (auto& [directory, status] : result.directories)
         check(stat(directory.c_str(), &status) == 0, "stat " + directory.string());
     return result;
 }
@@ -236,8 +242,9 @@ int make_overlay(int lower, int upper, int work, bool is_root) {
 
 /// Covers the directories and makes all else read-only. The upper layers lie in the folder
 /// `scratch`, or in memory where that is empty.
-std::vector<Overlay> mount_overlays(Directories const& directories, std::string const& scratch,
+std::vector<Overlay> mount_overlays(Covered const& covered, std::string const& scratch,
                                     bool is_root) {
+    auto const& directories = covered.directories;
     fs::path const place = fs::current_path();
     std::string const base_path = scratch.empty() ? directories.begin()->first.string() : scratch;
     check(unshare(CLONE_NEWNS) == 0, "unshare");
@@ -267,12 +274,20 @@ std::vector<Overlay> mount_overlays(Directories const& directories, std::string 
     read_only.attr_set = MOUNT_ATTR_RDONLY;
     check(mount_setattr(AT_FDCWD, "/", AT_RECURSIVE, &read_only, sizeof read_only) == 0,
           "make the disk read-only");
+    std::vector<int> files;
+    for (fs::path const& file : covered.mounted_files)
+        files.push_back(open_tree(AT_FDCWD, file.c_str(), OPEN_TREE_CLONE | OPEN_TREE_CLOEXEC));
     if (scratch.empty()) umount2(base_path.c_str(), MNT_DETACH);
     for (std::size_t number = 0; number < mounts.size(); ++number) {
         char const* const path = overlays[number].directory.c_str();
         check(move_mount(mounts[number], "", AT_FDCWD, path, MOVE_MOUNT_F_EMPTY_PATH) == 0 &&
                   stat(path, &overlays[number].start) == 0,
               "mount an overlay at " + std::string(path));
+    }
+    for (std::size_t number = 0; number < files.size(); ++number) {
+        char const* const path = covered.mounted_files[number].c_str();
+        check(move_mount(files[number], "", AT_FDCWD, path, MOVE_MOUNT_F_EMPTY_PATH) == 0,
+              "mount " + std::string(path) + " again");
     }
     fs::current_path(place);
     return overlays;
@@ -286,7 +301,7 @@ int run(std::vector<fs::path> const& directories,
     bool const is_root = has_rights_of_root(in_memory);
     bool const needs_scratch = !is_root && fsetxattr(in_memory, "user.probe", "", 0, 0) != 0;
     close(in_memory);
-    Directories const all = covered(directories, is_root);
+    Covered const all = covered(directories, is_root);
     std::set<int> const forbidden = forbidden_capabilities();
     if (!is_root) enter_user_namespace();
     std::optional<ScratchFolder> scratch;

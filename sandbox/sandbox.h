@@ -27,7 +27,8 @@ struct Refused : std::runtime_error {
 
 /// Runs `work` in a process of its own. What it, and all that it starts, writes below one of the
 /// directories is gone afterwards; everything else is read-only. What it leaves running is ended.
-/// Mounts below the directories are covered as well; "/" and what is no directory is passed over.
+/// Mounts below the directories are covered as well, and files mounted there stay, read-only; "/"
+/// and what is no directory is passed over.
 /// `work` is given the overlays, parents first, and must not throw.
 ///
 /// Returns what `work` returned. Throws Refused, and std::runtime_error where a signal ended it. To

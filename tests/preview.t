@@ -75,6 +75,9 @@ Whether the uninstall undoes what the setup did:
   $ undone 'unshare -m touch x; echo >"$CRAMTMP/tmp/x"'
   failed: the install or the uninstall, as told above
   The workbench is as it was. Status 1
+  $ undone : 'touch "$CRAMTMP/tmp/x"; exit 0'
+  failed: the install or the uninstall, as told above
+  The workbench is as it was. Status 1
   $ undone 'touch "$CRAMTMP/tmp/x" ~/x "$TMPDIR/x" /var/tmp/x.wb-trial' : --writable "$TMPDIR"
     A ../home/x
     A ../t/x
@@ -107,6 +110,16 @@ A process that is left running ends with the sandbox:
 Where there can be no sandbox, nothing is run:
 
   $ lay :; within=(unshare -Urm sh -c 'mount -t tmpfs x workbench/dir; exec "$@"' -); try check
-  wb-trial: there can be no sandbox: ./workbench/dir is mounted below a directory that may change, and cannot be covered by an ordinary user; unmount it or run as root Status 2
+  wb-trial: there can be no sandbox: ./workbench/dir is mounted below a directory that may change, and cannot be covered by an ordinary user; unmount it or run as root; below HOME or TMPDIR, let these name another Status 2
   $ within=(unshare -Ur sh -c 'echo 0 >/proc/sys/user/max_user_namespaces; exec "$@"' -); try check
   wb-trial: there can be no sandbox: unshare: No space left on device; user.max_user_namespaces is 0: change it with sysctl, or run as root Status 2
+
+A file that is mounted in the workbench stays as it is; only root can have one there:
+
+  $ lay 'grep -q SUPPORTED dir/file && ! echo 2>/dev/null >dir/file'
+  $ if [ "$(id -u)" -eq 0 ]
+  > then users=0 within=(unshare -m sh -c 'mount --bind s.toml workbench/dir/file; exec "$@"' -)
+  > else cp s.toml workbench/dir/file; chmod a-w workbench/dir/file; fi
+  $ try check | tail -n 2
+  The workbench is as it was.
+  Nothing on the disk was changed. Status 0

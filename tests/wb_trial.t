@@ -89,20 +89,20 @@ SIGTERM in the middle of a copy leaves nothing behind:
 
 A preferences file keeps all other bytes, its owner and its mode, and stays a link:
 
-  $ site; mkdir -p product/suite/share/wr-qev-1.0a; ln -s ../../../real product/suite/share/wr-qev-1.0a/readme.txt
+  $ site; mkdir -p product/suite/share/wr-qev-1.0a; ln -s ../../../real product/suite/share/wr-qev-1.0a/readme.txt; ln -s product 'p\x'
   $ printf '[home]\r\nhomes=1\r\n home = old=er\r\n#home=2\nhome=\nlast \377' >product/real
   $ chown 12345 product/real 2>/dev/null; chmod 604 product/real; stat -c '%u %g %a' product/real >"$TMPDIR/before"
-  $ for key in home new; do wb run s.toml init_wb_prefs --set WB_PREFS=readme --set WB_PREFS_INST_DIR=$key >/dev/null; done
+  $ for key in home new; do wb run s.toml init_wb_prefs --set WB_PREFS=readme --set WB_PREFS_INST_DIR=$key --set 'VORN_INSTALL_DIR=p\x' >/dev/null; done
   $ stat -c '%u %g %a' product/real | diff "$TMPDIR/before" -
-  $ readlink product/suite/share/*/readme.txt; sed "s|=/.*/product|=/|" product/real | cat -v
+  $ readlink product/suite/share/*/readme.txt; cat -v product/real
   ../../../real
   [home]^M
   homes=1^M
-  home=//suite^M
+  home=p\x/suite^M
   #home=2
-  home=//suite
+  home=p\x/suite
   last M-^?^M
-  new=//suite^M
+  new=p\x/suite^M
 
 One in a tree that a group shares is written too, though its group cannot be kept:
 

@@ -91,10 +91,10 @@ void save_entry(fs::path const& listed, std::string const& key, std::string cons
 } // namespace
 
 IniDb::IniDb(std::string root, std::string file, std::string separator) {
-    std::string path = root + "/" + file;
-    std::replace(path.begin(), path.end(), '\\', '/');
     auto const make = [&] {
-        contents_ = std::make_unique<Contents>(Contents{path, separator, "", ""});
+        std::string listed = file; // its separators may be backslashes, the root's are not
+        std::replace(listed.begin(), listed.end(), '\\', '/');
+        contents_ = std::make_unique<Contents>(Contents{root + "/" + listed, separator, "", ""});
     };
     host_call(make, "IniDb", root, file, separator);
 }
