@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 
 #include "actions/actions.h"
 #include "bench/host.h"
@@ -78,22 +79,22 @@ class Workbench {
     Workbench(Workbench const&) = delete;
     Workbench& operator=(Workbench const&) = delete;
 
-    std::string const folder =
-        (fs::temp_directory_path() / ("bench-" + std::to_string(getpid()))).string();
+    std::string const folder = (fs::temp_directory_path() / "workbench").string();
     std::string const properties = folder + "/install.properties";
 };
 
 void is_supported_ours(benchmark::State& state) {
     Workbench const workbench(state.range());
     for ([[maybe_unused]] auto _ : state)
-        if (!is_supported(workbench.properties, "name=3.1")) state.SkipWithError("not found");
+        if (!is_supported(workbench.properties, "name=3.1"))
+            throw std::runtime_error("the version is not found");
 }
 
 void is_supported_bare(benchmark::State& state) {
     Workbench const workbench(state.range());
     std::string const command = "grep -qF name=3.1 " + workbench.properties;
     for ([[maybe_unused]] auto _ : state)
-        if (std::system(command.c_str()) != 0) state.SkipWithError("not found");
+        if (std::system(command.c_str()) != 0) throw std::runtime_error("the version is not found");
 }
 
 void validate_wb_path_ours(benchmark::State& state) {
@@ -105,7 +106,7 @@ void validate_wb_path_ours(benchmark::State& state) {
     session.variables = {{"WB_INTEGRATION_PATH", workbench.folder},
                          {"SUPPORTED_VERSION", versions + "3.1;"}};
     for ([[maybe_unused]] auto _ : state) validate_wb_path(&session);
-    if (session.variables["PATH_STATUS"] != "ok") state.SkipWithError("not ok");
+    if (session.variables["PATH_STATUS"] != "ok") throw std::runtime_error("PATH_STATUS is not ok");
 }
 
 void validate_wb_path_bare(benchmark::State& state) {
