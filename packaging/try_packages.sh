@@ -7,6 +7,7 @@ set -eu
 . /etc/os-release
 folder=$(mktemp -d)
 trap 'rm -rf --one-file-system "$folder"' EXIT
+trap 'exit 1' HUP INT TERM
 root=$folder/root
 cp "$1"/*.deb "$folder"
 set --
@@ -21,6 +22,10 @@ wb-trial check /usr/share/doc/wb-trial/examples/session.toml
 gzip -dc /usr/share/man/man1/wb-trial.1.gz |
     sed -n '/^\.Sh EXAMPLES/,/^\.Sh SEE/{/^\.Bd/,/^\.Ed/{/^\./d;s/\\e$/\\/;p}}' >examples
 test -s examples
+test -s /usr/share/bash-completion/completions/wb-trial
+for document in README.md docs/host.md docs/packaging.md; do
+    test -s "/usr/share/doc/wb-trial/$document"
+done
 sh -eux examples
 if dpkg --purge libworkbench-int; then exit 1; fi # wb-trial needs it
 dpkg --purge wb-trial libworkbench-int

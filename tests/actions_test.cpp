@@ -1,3 +1,6 @@
+#include <typeinfo>
+#include <utility>
+
 #include "tests/site.h"
 #include "workbench/configuration.h"
 

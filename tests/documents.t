@@ -2,17 +2,24 @@ What the program, its manual page, its completion and the README say of each oth
 
   $ root=$TESTDIR/..
   $ PATH=$WB_TRIAL_DIR:$PATH
-  $ options() { grep -oE -- '--[a-z]+' | LC_ALL=C sort -u; }
+  $ options() { grep -oE -- '--[a-z]+( [A-Z=]+)?' | LC_ALL=C sort -u; }
+  $ names() { sed 's/ .*//' | LC_ALL=C sort -u; }
 
   $ mandoc -T lint "$root/docs/wb-trial.1"
 
-The options, and which of them stand after a command only.
+The options and their arguments, the exit statuses and the version.
 
-  $ (wb-trial --help && wb-trial run --help) | options >options
-  $ test -s options
-  $ sed -n 's/^\.It.*Fl Fl \([a-z]*\).*/--\1/p' "$root/docs/wb-trial.1" | options | diff options -
+  $ (wb-trial --help && wb-trial run --help) | grep '^  -' | options >options
+  $ test -s options && names <options >names
+  $ sed 's/Fl Fl /--/g; s/ Ns = Ns Ar /=/; s/Ar //' "$root/docs/wb-trial.1" >manual
+  $ grep '^\.It --\|^\.It Fl' manual | options | diff options -
   $ sed -n '/^| option /,/^$/s/|[^|]*|$//p' "$root/README.md" | options | diff options -
-  $ cat "$root/docs/packaging.md" "$root/docs/wb-trial.1" | sed 's/Fl Fl /--/g' | grep -v cmake | options | comm -13 options -
+  $ cat manual "$root/README.md" "$root/docs/packaging.md" | grep -v cmake | options | names | comm -13 names -
+  $ sed -n '/^\.Sh EXIT/,/^\.Sh EXA/s/^\.It //p' manual >statuses
+  $ sed -n '/^| status /,/^$/s/^| \([0-9]*\) |.*/\1/p' "$root/README.md" | diff statuses -
+  $ wb-trial --help | grep '^Exit' | grep -o '[0-9]' | diff statuses -
+  $ grep -c "^## $(wb-trial --version)," "$root/CHANGELOG.md"
+  1
 
   $ completed() (
   >   . /usr/share/bash-completion/bash_completion
@@ -20,11 +27,11 @@ The options, and which of them stand after a command only.
   >   read -ra COMP_WORDS <<<"${1//=/ = }:"
   >   COMP_WORDS[-1]=${COMP_WORDS[-1]%:}
   >   COMP_LINE=$1 COMP_POINT=${#1} COMP_CWORD=$((${#COMP_WORDS[@]} - 1)) COMP_TYPE=9
-  >   _wb_trial wb-trial "${COMP_WORDS[-1]}" "${COMP_WORDS[-2]}" 2>/dev/null
+  >   "$(complete -p wb-trial | grep -o '_[a-z_]*')" wb-trial "${COMP_WORDS[-1]}" "${COMP_WORDS[-2]}" 2>/dev/null
   >   printf '%s\n' "${COMPREPLY[@]}" | LC_ALL=C sort -u
   > )
-  $ completed 'wb-trial run --' | diff options -
-  $ completed 'wb-trial check --' | diff options -
+  $ completed 'wb-trial run --' | diff names -
+  $ completed 'wb-trial check --' | diff names -
   3d2
   < --preview
   [1]
@@ -54,10 +61,31 @@ What is completed where.
   $ completed 'wb-trial check --plugin b'
   b.txt
 
-The check in the README, of a clone in /src/workbench-int.
+The checks that the README and packaging.md show, of a clone in /src/workbench-int and a product in /srv.
 
-  $ clone=$(mktemp -d /tmp/documents.XXXXXX)
-  $ cp -R "$root/examples" "$clone"
-  $ wb-trial check "$clone/examples/session.toml" | sed "s|$clone|/src/workbench-int|g" >report
-  $ sed -n '/wb-trial check examples\/session.toml$/,/^```/p' "$root/README.md" | sed '1d;$d' | diff report -
-  $ rm -r "$clone"
+  $ place=$(mktemp -d /tmp/documents.XXXXXX)
+  $ shown() { sed -n "/^$ .*wb-trial check $1/,/^\`\`\`/p" "$2" | sed '1d;$d'; }
+  $ checked() { wb-trial check "$place/$1" | sed "s|$place|$2|g" | grep -v 'Permission denied$'; }
+  $ cp -R "$root/examples" "$place"
+  $ checked examples/session.toml /src/workbench-int >report
+  $ shown 'examples.session.toml' "$root/README.md" | diff - report
+
+  $ cd "$place"; mkdir -p 'my workbench' gauge/tools/{vorn,prefs,ide/wr-qev-2.0b/wr-setup}
+  $ echo name=3.1 >'my workbench/install.properties'
+  $ printf 'units=metric\ngaugeHome=\n' >gauge/tools/prefs/gauge.prefs
+  $ cd gauge/tools/ide/wr-qev-2.0b/wr-setup; printf '#!/bin/sh\ntrue\n' >enter.sh
+  $ printf '#!/bin/sh\necho took gauge out\n' >uninst_wr_qev.sh; chmod 755 uninst_wr_qev.sh
+  $ sed -n '/^\[variables\]/,/^```/p' "$root/docs/packaging.md" | sed "s|/srv|$place|;\$d" >"$place/gauge.toml"
+  $ shown gauge.toml "$root/docs/packaging.md" | grep -v 'Permission denied$' | diff - <(checked gauge.toml /srv)
+  $ rm -r "$place"
+
+What one document links to in another is there.
+
+  $ cd "$root"; headings() { sed -n 's/^##* //p' "$1" | tr 'A-Z ' 'a-z-' | tr -dc 'a-z0-9_\n-'; }
+  $ for document in *.md docs/*.md; do
+  >     grep -oE '\]\([^)]*\)' "$document" | tr -d ']()' | while IFS='#' read -r file heading; do
+  >         file=${file:+$(dirname "$document")/$file}
+  >         test -e "${file:-$document}" || echo "$document: $file"
+  >         test -z "$heading" || headings "${file:-$document}" | grep -qxF -e "$heading" || echo "$document: $file#$heading"
+  >     done
+  > done
