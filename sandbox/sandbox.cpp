@@ -121,7 +121,7 @@ Covered covered(std::vector<fs::path> const& named, bool is_root) {
                            "by an ordinary user",
                    "unmount it or run as root; below HOME or TMPDIR, let these name another");
         if (fs::is_directory(point)) result.directories[point];
-        else result.mounted_files.push_back(point);
+        else result.mounted_files.emplace_back(point);
     }
     endmntent(mounts);
     for (auto& [directory, status] : result.directories)

@@ -1,27 +1,5 @@
   $ . "$TESTDIR/site.sh"
 
-An install, and how it is undone:
-
-  $ wb install s.toml
-  detect_wb_in_default_path returned 0
-    WB_INTEGRATION_PATH = "workbench"
-  validate_wb_path returned 0
-    PATH_STATUS = "ok"
-  find_wb_components returned 0
-    WB_INTEGRATION_SUPPORTED = "yes"
-    WB_INSTALL_SUBDIR = "/suite/part"
-  perform_integration
-    runs: "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part"
-  perform_integration returned 0
-    its command said:
-      setup, arguments: 1 ./product/suite/part
-  init_wb_prefs returned 0
-  $ wb uninstall s.toml | tail -n 2
-    its command said:
-      uninstall
-  $ ls workbench
-  install.properties
-
 Where the workbench will not do, or there is nothing to integrate:
 
   $ chmod 555 workbench
