@@ -240,6 +240,11 @@ int make_overlay(int lower, int upper, int work, bool is_root) {
     return is_made ? fsmount(context, FSMOUNT_CLOEXEC, status.f_flag & 0xf) : -1;
 }
 
+void put_in_place(int mount, fs::path const& place) {
+    check(move_mount(mount, "", AT_FDCWD, place.c_str(), MOVE_MOUNT_F_EMPTY_PATH) == 0,
+          "mount at " + place.string());
+}
+
 /// Covers the directories and makes all else read-only. The upper layers lie in the folder
 /// `scratch`, or in memory where that is empty.
 std::vector<Overlay> mount_overlays(Covered const& covered, std::string const& scratch,
@@ -274,21 +279,19 @@ std::vector<Overlay> mount_overlays(Covered const& covered, std::string const& s
     read_only.attr_set = MOUNT_ATTR_RDONLY;
     check(mount_setattr(AT_FDCWD, "/", AT_RECURSIVE, &read_only, sizeof read_only) == 0,
           "make the disk read-only");
-    std::vector<int> files;
-    for (fs::path const& file : covered.mounted_files)
-        files.push_back(open_tree(AT_FDCWD, file.c_str(), OPEN_TREE_CLONE | OPEN_TREE_CLOEXEC));
     if (scratch.empty()) umount2(base_path.c_str(), MNT_DETACH);
+    std::vector<int> files; // taken while neither the tmpfs nor an overlay hides one
+    for (fs::path const& file : covered.mounted_files) {
+        files.push_back(open_tree(AT_FDCWD, file.c_str(), OPEN_TREE_CLONE | OPEN_TREE_CLOEXEC));
+        check(files.back() != -1, "open the mount at " + file.string());
+    }
     for (std::size_t number = 0; number < mounts.size(); ++number) {
-        char const* const path = overlays[number].directory.c_str();
-        check(move_mount(mounts[number], "", AT_FDCWD, path, MOVE_MOUNT_F_EMPTY_PATH) == 0 &&
-                  stat(path, &overlays[number].start) == 0,
-              "mount an overlay at " + std::string(path));
+        put_in_place(mounts[number], overlays[number].directory);
+        check(stat(overlays[number].directory.c_str(), &overlays[number].start) == 0,
+              "stat " + overlays[number].directory.string());
     }
-    for (std::size_t number = 0; number < files.size(); ++number) {
-        char const* const path = covered.mounted_files[number].c_str();
-        check(move_mount(files[number], "", AT_FDCWD, path, MOVE_MOUNT_F_EMPTY_PATH) == 0,
-              "mount " + std::string(path) + " again");
-    }
+    for (std::size_t number = 0; number < files.size(); ++number)
+        put_in_place(files[number], covered.mounted_files[number]);
     fs::current_path(place);
     return overlays;
 }

@@ -114,12 +114,13 @@ Where there can be no sandbox, nothing is run:
   $ within=(unshare -Ur sh -c 'echo 0 >/proc/sys/user/max_user_namespaces; exec "$@"' -); try check
   wb-trial: there can be no sandbox: unshare: No space left on device; user.max_user_namespaces is 0: change it with sysctl, or run as root Status 2
 
-A file that is mounted in the workbench stays as it is; only root can have one there:
+Files that are mounted in directories that may change stay as they are; only root can have some there:
 
-  $ lay 'grep -q SUPPORTED dir/file && ! echo 2>/dev/null >dir/file'
+  $ lay 'for file in dir/file ~/file; do grep -q SUPPORTED $file && ! echo 2>/dev/null >$file || exit; done'
+  $ files=(workbench/dir/file "$CRAMTMP/home/file"); touch "${files[@]}"
   $ if [ "$(id -u)" -eq 0 ]
-  > then users=0 within=(unshare -m sh -c 'mount --bind s.toml workbench/dir/file; exec "$@"' -)
-  > else cp s.toml workbench/dir/file; chmod a-w workbench/dir/file; fi
+  > then users=0 within=(unshare -m sh -c 'for file in workbench/dir/file ~/file; do mount --bind s.toml $file; done; exec "$@"' -)
+  > else for file in "${files[@]}"; do cp s.toml "$file"; chmod a-w "$file"; done; fi
   $ try check | tail -n 2
   The workbench is as it was.
   Nothing on the disk was changed. Status 0
