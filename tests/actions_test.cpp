@@ -7,7 +7,7 @@
 TEST(Actions, MakeTheseHostCallsAndNoOthers) {
     /// The provider of "gone" is there when it is asked for a handle, and then no more.
     struct : Site {
-        std::unique_ptr<trial::FileProvider> aside;
+        std::unique_ptr<installer::FileProvider> aside;
         void ends(std::string const& call) override {
             Site::ends(call);
             auto& provider = host.session.components[5]->file_provider;
@@ -46,16 +46,16 @@ TEST(Actions, ReachAProvidersOperationsByTheirPositions) {
     void (*const unused)(void*) = [](void*) { ADD_FAILURE() << "this one is never called"; };
     std::vector<void const*> table(11, reinterpret_cast<void*>(unused));
     table[0] = nullptr;
-    table[1] = &typeid(trial::FileProvider);
+    table[1] = &typeid(installer::FileProvider);
     table[2] = reinterpret_cast<void*>(query);
     table[10] = reinterpret_cast<void*>(file_list);
     void const* const* provider = &table[2];
 
     Site site;
     auto& file_provider = site.host.session.components.front()->file_provider;
-    auto const own = std::exchange(
-        file_provider,
-        std::unique_ptr<trial::FileProvider>(reinterpret_cast<trial::FileProvider*>(&provider)));
+    auto const own =
+        std::exchange(file_provider, std::unique_ptr<installer::FileProvider>(
+                                         reinterpret_cast<installer::FileProvider*>(&provider)));
     EXPECT_EQ(get_wb_integration(site.host.session.tsd.components()), "wr-qev-1.0a");
     static_cast<void>(file_provider.release());
 }

@@ -35,15 +35,15 @@ A copy that cannot be made:
 A log that cannot be opened, and a full disk, the first time and over an earlier integration:
 
   $ after : wb run s.toml find_wb_components init_wb_prefs --set log_file=absent/log --set WB_PREFS=
-  the log "absent/log" cannot be opened (No such file or directory), its lines go to standard error
+  the log "absent/log" cannot be opened (No such file or directory); its lines go to standard error
   $ after : on_full_disk integrate
-  the log cannot be written, its lines go to standard error
+  the log cannot be written; its lines go to standard error
   dir_copy(*) failed: File too large: * (glob)
   the command "\"workbench/wr-qev-1.0a/wr-setup/setup.sh\" \"./product/suite/part\"" ended with status 127
   the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is there only in part; is the disk full? Make room and integrate again
   the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not there, so what was set up stays; is it in the product, executable?
   $ after 'integrate >/dev/null; echo c=3 >>$prefs; rm $script; keep' on_full_disk integrate
-  the log cannot be written, its lines go to standard error
+  the log cannot be written; its lines go to standard error
   dir_copy(*) failed: File too large: * (glob)
   the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is there only in part; is the disk full? Make room and integrate again
 

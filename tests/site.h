@@ -7,7 +7,7 @@
 #include <set>
 
 #include "actions/actions.h"
-#include "trial/host.h"
+#include "installer/host.h"
 
 namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
@@ -36,10 +36,10 @@ inline void write_file(fs::path const& file, std::string const& text) {
 
 /// A folder, for its time the working directory, with a workbench and an installed product, and a
 /// session about them. The product's two scripts append how they were called to the file "record".
-struct Site : trial::CallListener {
+struct Site : installer::CallListener {
     std::string root = (fs::temp_directory_path() / "site-XXXXXX").string();
     std::string part, integrated_dir, script; ///< the last is the one that undoes an integration
-    trial::Host host;
+    installer::Host host;
     Texts calls;
 
     explicit Site(std::string const& workbench_name = "workbench",
@@ -81,8 +81,8 @@ struct Site : trial::CallListener {
         host.outcome = {};
         return action(&host.session);
     }
-    trial::ProductComponent& add_component(std::string const& name, Texts const& files) {
-        auto* const component = new trial::ProductComponent{{name}, true, "/suite/part"};
+    installer::ProductComponent& add_component(std::string const& name, Texts const& files) {
+        auto* const component = new installer::ProductComponent{{name}, true, "/suite/part"};
         component->file_provider->files = files;
         return *host.session.components.emplace_back(component);
     }

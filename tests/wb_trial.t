@@ -4,10 +4,10 @@ Where the workbench will not do, or there is nothing to integrate:
 
   $ chmod 555 workbench
   $ for variable in 'SUPPORTED_VERSION=2;' WB_INTEGRATION_PATH=/absent DEFAULT_SEARCH_PATH=absent WB_PREFS=; do
-  >     unprivileged wb --set "$variable" install s.toml | grep -e again -e Stopped && echo "status 0"
+  >     unprivileged wb --set "$variable" install s.toml | grep -e "set back" -e Stopped && echo "status 0"
   > done
   Stopped: "workbench" holds a workbench of none of the versions in SUPPORTED_VERSION; each there has to be ended by ";", and stand behind name= in install.properties.
-  WB_INTEGRATION_PATH is "/absent" again, as the session has it
+  WB_INTEGRATION_PATH is set back to "/absent", the session's own choice
   Stopped: "/absent" holds no install.properties, or SUPPORTED_VERSION is empty.
   Stopped: no directory in DEFAULT_SEARCH_PATH holds a workbench, that is, install.properties.
   Stopped: "workbench" holds a workbench that the installation cannot write into.

@@ -3,7 +3,6 @@
 #include <locale>
 
 #include "tests/site.h"
-#include "trial/exit_status.h"
 #include "workbench/deintegration_script.h"
 #include "workbench/installation.h"
 #include "workbench/split_by_delimiter.h"
@@ -61,13 +60,4 @@ TEST(CreateDeintegrationScript, ReplacesAFileAndLeavesAFolderAsItIs) {
               "#!/bin/sh\n/bin/sh -c \"/\xc3-_o+,:@%1/wr-setup/uninst_wr_qev.sh"
               "\"\nrm -rf \"/\xc3-_o+,:@%1\"\n");
     EXPECT_EQ(fs::status("script").permissions(), fs::perms{0755});
-}
-
-TEST(SessionFile, IsRefusedWhereItNestsTooDeeply) {
-    Site site;
-    for (std::string text : {"\na", "\n[a", "\na={a"}) {
-        for (int depth = 0; depth < 300000; ++depth) text += ".a";
-        write_file("s.toml", text + "=1");
-        EXPECT_THROW(trial::read_session_file("s.toml", site.host.session), trial::StartError);
-    }
 }

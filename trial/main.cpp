@@ -9,8 +9,10 @@
 #include "trial/plugin.h"
 #include "trial/preview.h"
 #include "trial/sequence.h"
+#include "trial/session_file.h"
 
 using namespace trial;
+using installer::show;
 using Texts = std::vector<std::string>;
 
 namespace {
@@ -59,7 +61,7 @@ void declare_commands(CLI::App& app, Arguments& arguments) {
         ->check(CLI::IsMember(Texts(action_names.begin(), action_names.end())));
 }
 
-void fill(Session& session, Arguments const& arguments) {
+void fill(installer::Session& session, Arguments const& arguments) {
     if (!arguments.writable.empty() && !arguments.preview && arguments.command != "check")
         throw StartError("--writable is for check and --preview only");
     read_session_file(arguments.session_file, session);
@@ -71,13 +73,13 @@ void fill(Session& session, Arguments const& arguments) {
     }
 }
 
-struct Tracer : CallListener {
+struct Tracer : installer::CallListener {
     void ends(std::string const& call) override { std::cerr << call << '\n'; }
 };
 
-int run(Arguments const& arguments) {
+ExitStatus execute(Arguments const& arguments) {
     Tracer tracer;
-    Host host;
+    installer::Host host;
     if (arguments.trace) host.listener = &tracer;
     fill(host.session, arguments);
     std::string const& file = arguments.plugin_file;
@@ -88,18 +90,18 @@ int run(Arguments const& arguments) {
     if (command == "check") return check(host.session, arguments.writable, sequence);
     auto const work = [&] {
         if (command == "install") return sequence.install();
-        if (command == "uninstall") return sequence.run("perform_deintegration");
+        if (command == "uninstall") return sequence.call("perform_deintegration");
         bool has_succeeded = true;
         for (std::string const& action : arguments.actions)
-            has_succeeded = sequence.run(action) && has_succeeded;
+            has_succeeded = sequence.call(action) && has_succeeded;
         return has_succeeded;
     };
     std::string const title = "changed by the " + (command == "run" ? "actions" : command);
     if (arguments.preview) return preview(host.session, arguments.writable, title, work);
-    return exit_status(work());
+    return status_of(work());
 }
 
-/// Makes good what the caller may have left: closed streams and ignored signals.
+/// Opens the standard streams that are closed and resets signals that are ignored.
 void tidy_process() {
     int opened = 0;
     while (opened >= 0 && opened <= STDERR_FILENO)        // the lowest free one is taken
@@ -108,7 +110,7 @@ void tidy_process() {
     signal(SIGPIPE, [](int) {}); // not ignored: that would stay so in the commands that are run
 }
 
-int run_command_line(int argc, char const* const* argv) {
+ExitStatus run_command_line(int argc, char const* const* argv) {
     CLI::App app("Runs the workbench plug-in on a product, without the installer.\n"
                  "Exit status: 0 all succeeded, 1 something failed, 2 nothing was run.",
                  "wb-trial");
@@ -125,16 +127,12 @@ int run_command_line(int argc, char const* const* argv) {
         return app.exit(error) == 0 ? all_succeeded : not_started;
     }
     arguments.command = app.get_subcommands().front()->get_name();
-    return run(arguments);
+    return execute(arguments);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     tidy_process();
-    try {
-        return run_command_line(argc, argv);
-    } catch (std::exception const& error) {
-        return exit_status(error);
-    }
+    return status_or_error([&] { return run_command_line(argc, argv); });
 }

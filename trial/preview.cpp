@@ -3,14 +3,19 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <iostream>
 #include <map>
 #include <sstream>
 
+#include "installer/files.h"
 #include "sandbox/changes.h"
 #include "trial/exit_status.h"
-#include "trial/files.h"
 
 namespace fs = std::filesystem;
+using installer::normalised;
+using installer::printable;
+using installer::Session;
+using installer::show;
 using sandbox::Change;
 
 namespace trial {
@@ -48,12 +53,12 @@ std::vector<fs::path> changing_directories(Session const& session) {
 /// Prints below a title what is not as it is on the disk, but for the log, and returns it.
 using ShowChanges = std::function<std::vector<Change>(std::string const& title)>;
 
-int run(Session const& session, std::vector<std::string> const& writable,
-        std::function<bool(ShowChanges const&)> const& work) {
+ExitStatus run_in_sandbox(Session const& session, std::vector<std::string> const& writable,
+                          std::function<bool(ShowChanges const&)> const& work) {
     std::error_code unreachable;
     std::string const log = fs::weakly_canonical(session.value("log_file"), unreachable);
     auto const run_and_report = [&](std::vector<sandbox::Overlay> const& overlays) -> int {
-        try {
+        return status_or_error([&] {
             bool const has_succeeded = work([&](std::string const& title) {
                 std::cout << title << ":\n";
                 std::vector<Change> changes = sandbox::find_changes(overlays, log);
@@ -64,10 +69,8 @@ int run(Session const& session, std::vector<std::string> const& writable,
                 return changes;
             });
             std::cout << "Nothing on the disk was changed.\n";
-            return exit_status(has_succeeded);
-        } catch (std::exception const& error) {
-            return exit_status(error);
-        }
+            return status_of(has_succeeded);
+        });
     };
     try {
         std::vector<fs::path> directories = changing_directories(session);
@@ -78,7 +81,7 @@ int run(Session const& session, std::vector<std::string> const& writable,
                 throw StartError("--writable " + show(name) + ": no directory that can be covered");
         }
         std::cout.flush();
-        return sandbox::run(directories, run_and_report);
+        return ExitStatus(sandbox::run(directories, run_and_report));
     } catch (fs::filesystem_error const& error) {
         throw StartError(error.what());
     }
@@ -109,17 +112,18 @@ bool is_undone(std::vector<Change> const& changes, fs::path const& workbench,
 
 } // namespace
 
-int preview(Session const& session, std::vector<std::string> const& writable,
-            std::string const& title, std::function<bool()> const& work) {
-    return run(session, writable, [&](ShowChanges const& show_changes) {
+ExitStatus preview(Session const& session, std::vector<std::string> const& writable,
+                   std::string const& title, std::function<bool()> const& work) {
+    return run_in_sandbox(session, writable, [&](ShowChanges const& show_changes) {
         bool const has_succeeded = work();
         show_changes(title);
         return has_succeeded;
     });
 }
 
-int check(Session const& session, std::vector<std::string> const& writable, Sequence& sequence) {
-    return run(session, writable, [&](ShowChanges const& show_changes) {
+ExitStatus check(Session const& session, std::vector<std::string> const& writable,
+                 Sequence& sequence) {
+    return run_in_sandbox(session, writable, [&](ShowChanges const& show_changes) {
         std::map<fs::path, fs::path> places; // before a script can move them away
         std::error_code unreachable;
         for (fs::path const& directory : changing_directories(session))
@@ -127,7 +131,7 @@ int check(Session const& session, std::vector<std::string> const& writable, Sequ
         bool has_succeeded = sequence.install();
         std::vector<Change> changes = show_changes("changed by the install");
         if (sequence.has_integrated()) {
-            has_succeeded = sequence.run("perform_deintegration") && has_succeeded;
+            has_succeeded = sequence.call("perform_deintegration") && has_succeeded;
             changes = show_changes("left by the uninstall");
         } else {
             std::cout << "The uninstall was not tried, for nothing was integrated.\n";

@@ -3,7 +3,7 @@
 #include <set>
 #include <string>
 
-#include "trial/host.h"
+#include "installer/host.h"
 #include "trial/plugin.h"
 
 namespace trial {
@@ -11,18 +11,23 @@ namespace trial {
 /// Runs actions in one session and prints on standard output what each of them did.
 class Sequence {
   public:
-    Sequence(Host& host, Plugin const& plugin) : host_(host), plugin_(plugin) {}
+    Sequence(installer::Host& host, Plugin const& plugin) : host_(host), plugin_(plugin) {}
 
-    /// Both return whether nothing failed; to have nothing to integrate is no failure.
+    /// Both return whether nothing failed. It is no failure to have nothing to integrate.
     bool install();
-    bool run(std::string const& action);
+    bool call(std::string const& action);
 
     /// Whether an action has begun to change a workbench, and whether it was integrated before.
     bool has_integrated() const { return has_integrated_; }
     bool has_integrated_again() const { return has_integrated_again_; }
 
   private:
-    Host& host_;
+    bool choose_workbench();
+    int call_plugin(std::string const& action);
+    void remember(installer::Outcome const& outcome);
+    void print_unused_variables() const;
+
+    installer::Host& host_;
     Plugin const& plugin_;
     std::set<std::string> used_; ///< the variables that the actions read or wrote
     bool has_integrated_ = false, has_integrated_again_ = false;

@@ -1,4 +1,4 @@
-#include "trial/session.h"
+#include "trial/session_file.h"
 
 #include <toml++/toml.h>
 
@@ -8,28 +8,19 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 
+#include "installer/show.h"
 #include "trial/exit_status.h"
-#include "trial/show.h"
 
 namespace fs = std::filesystem;
+using installer::printable;
+using installer::ProductComponent;
+using installer::Session;
 using Texts = std::vector<std::string>;
 
 namespace trial {
 
 namespace {
-
-/// The parser calls itself for each part of a dotted key. A key stands on one line, so a limit for
-/// the dots of a line keeps it from running out of stack.
-void check_dots(std::string const& file, std::string const& text) {
-    std::istringstream lines(text);
-    std::size_t number = 1;
-    for (std::string line; std::getline(lines, line); ++number)
-        if (std::count(line.begin(), line.end(), '.') > 1000)
-            throw StartError(file + ":" + std::to_string(number) +
-                             ": too many dots in a line; break the line");
-}
 
 /// Adds the regular files below `folder`, which lies at `place` in the folder that was named.
 void add_files(fs::path const& folder, fs::path const& place, Texts& files) {
@@ -132,7 +123,6 @@ void read_session_file(std::string const& file, Session& session) {
     if (!stream.is_open()) throw StartError(file + ": " + std::strerror(errno));
     try {
         std::string const text{std::istreambuf_iterator<char>(stream), {}};
-        check_dots(file, text);
         Reader(file, session).read(toml::parse(text, file));
     } catch (std::system_error const& error) {
         throw StartError(file + ": " + error.code().message());

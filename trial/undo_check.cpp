@@ -8,22 +8,26 @@
 #include <fstream>
 #include <iterator>
 
-#include "trial/files.h"
+#include "installer/files.h"
+#include "installer/show.h"
 
 namespace fs = std::filesystem;
+using installer::Outcome;
+using installer::Session;
+using installer::show;
 
 namespace trial {
 
 namespace {
 
 std::string script_path(Session const& session) {
-    return normalised(session.value("VORN_INSTALL_DIR") + session.value("VORN_INSTALL_SUBDIR") +
-                      "/vorn/wb_deintegrate") +
+    return installer::normalised(session.value("VORN_INSTALL_DIR") +
+                                 session.value("VORN_INSTALL_SUBDIR") + "/vorn/wb_deintegrate") +
            ".sh";
 }
 
 /// Why this user cannot run the file, or nothing where that can be done.
-std::string hindrance(std::string const& file) {
+std::string why_not_executable(std::string const& file) {
     std::error_code unreachable;
     if (!fs::exists(file, unreachable)) return "is not there";
     if (!fs::is_regular_file(file, unreachable)) return "is no regular file";
@@ -33,9 +37,9 @@ std::string hindrance(std::string const& file) {
 
 void check_uninstall_script(std::string const& directory, Outcome& outcome) {
     std::string const script = directory + "/wr-setup/uninst_wr_qev.sh";
-    std::string const hindered = hindrance(script);
-    if (!hindered.empty())
-        outcome.fail("the uninstall script " + show(script) + " " + hindered +
+    std::string const obstacle = why_not_executable(script);
+    if (!obstacle.empty())
+        outcome.fail("the uninstall script " + show(script) + " " + obstacle +
                      ", so what was set up stays; is it in the product, executable?");
 }
 
@@ -50,9 +54,9 @@ std::string fault(std::string const& script, std::string const& removed, std::st
     bool const is_there = fs::exists(script, unreachable);
     if (is_there && !fs::is_regular_file(script, unreachable))
         return "is no regular file; remove it and integrate again";
-    std::string const hindered = hindrance(script);
+    std::string const obstacle = why_not_executable(script);
     if (!removed.empty() && is_same(removed, copy))
-        return hindered.empty() ? "" : hindered + "; its mode has to be 0755, its mount not noexec";
+        return obstacle.empty() ? "" : obstacle + "; its mode has to be 0755, its mount not noexec";
     fs::path const written = is_there ? fs::path(script) : fs::path(script).parent_path();
     if (access(written.c_str(), W_OK) != 0)
         return std::string("cannot be written (") + std::strerror(errno) +
@@ -105,7 +109,7 @@ void check_undo_is_possible(Session const& session, std::string const& earlier_c
 void check_before_undo(Session const& session, std::string const& copy, Outcome& outcome) {
     std::error_code unreachable;
     std::string const script = script_path(session);
-    if (!fs::exists(script, unreachable)) return; // the command will fail, which is told as it is
+    if (!fs::exists(script, unreachable)) return; // the command fails, and that is reported
     if (copy.empty()) {
         std::string fault = "is there only in part";
         if (access(script.c_str(), R_OK) != 0) fault = "cannot be read";

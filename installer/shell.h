@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace trial {
+namespace installer {
 
 struct CommandOutcome {
     int status; ///< the exit code, or 128 + the signal that ended the command
@@ -14,4 +14,4 @@ struct CommandOutcome {
 /// 127. Throws std::system_error or std::bad_alloc where there is no room for it.
 CommandOutcome run_in_shell(std::string const& shell, std::string const& command);
 
-} // namespace trial
+} // namespace installer

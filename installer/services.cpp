@@ -9,50 +9,36 @@
 #include <filesystem>
 #include <iostream>
 
-#include "trial/files.h"
-#include "trial/host.h"
-#include "trial/shell.h"
+#include "installer/files.h"
+#include "installer/host.h"
+#include "installer/shell.h"
 
-// What the plug-in passes over in silence is told here, as a failure of the action at work.
+// The plug-in ignores most failures of these operations. Here they become failures of the outcome.
 
 namespace fs = std::filesystem;
-using namespace trial;
+using namespace installer;
 
 namespace {
 
-/// A line in pieces, so that a long value in it is not copied.
-struct LogLine : std::vector<std::string_view> {};
-
-using trial::show;
-
-/// The format's text and the arguments of its "%s", in turns.
-LogLine log_line(std::string_view format, va_list arguments) {
-    LogLine line;
+/// The format with its arguments, which are all strings.
+std::string log_line(std::string_view format, va_list arguments) {
+    std::string line;
     for (std::size_t at = 0; (at = format.find("%s")) != std::string_view::npos;
          format.remove_prefix(at + 2)) {
-        line.push_back(format.substr(0, at));
-        line.push_back(va_arg(arguments, char const*));
+        line += format.substr(0, at);
+        line += va_arg(arguments, char const*);
     }
-    line.push_back(format);
-    return line;
+    return line += format;
 }
 
-std::string show(LogLine const& line) {
-    std::string text;
-    for (std::string_view const piece : line) text += piece;
-    return show(text);
-}
-
-void write_log(LogLine const& line) {
+void write_log(std::string const& line) {
     Host& host = Host::current();
     if (host.log.is_open()) {
-        for (std::string_view const piece : line) host.log << piece;
-        if (host.log << std::endl) return;
+        if (host.log << line << std::endl) return;
         host.log.close();
-        host.outcome.fail("the log cannot be written, its lines go to standard error");
+        host.outcome.fail("the log cannot be written; its lines go to standard error");
     }
-    for (std::string_view const piece : line) std::cerr << printable(piece, "\t\n");
-    std::cerr << '\n';
+    std::cerr << printable(line, "\t\n") << '\n';
 }
 
 void set_variable(session_t* session, std::string const& name, std::string const& value) {
@@ -61,21 +47,6 @@ void set_variable(session_t* session, std::string const& name, std::string const
         Host::current().outcome.written.push_back(name);
     };
     host_call(set, "env_set_string", name, value);
-}
-
-/// Does `work` on the disk, and reports the operation as failed where it throws.
-template <typename Work, typename... Arguments>
-void call_on_disk(Work work, char const* operation, Arguments const&... arguments) {
-    auto const reported = [&] {
-        Outcome& outcome = Host::current().outcome;
-        try {
-            work(outcome);
-        } catch (fs::filesystem_error const& error) {
-            outcome.fail(show_call(operation, arguments...) + " failed: " + error.code().message() +
-                         ": " + show(error.path1().string()));
-        }
-    };
-    host_call(reported, operation, arguments...);
 }
 
 } // namespace
@@ -103,7 +74,7 @@ int log_init(char const* file, logging_state_t**) {
         if (*file) host.log.open(file, std::ios::app);
         if (*file && !host.log.is_open())
             host.outcome.fail("the log " + show(file) + " cannot be opened (" +
-                              std::strerror(errno) + "), its lines go to standard error");
+                              std::strerror(errno) + "); its lines go to standard error");
         return 0;
     };
     return host_call(open_log, "log_init", file);
@@ -112,7 +83,7 @@ int log_init(char const* file, logging_state_t**) {
 void print_log(char const* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    LogLine const line = log_line(format, arguments);
+    std::string const line = log_line(format, arguments);
     va_end(arguments);
     host_call([&] { write_log(line); }, "print_log", line);
 }
@@ -142,7 +113,7 @@ void folder_create(std::string directory, unsigned int mode) {
             fs::is_directory(fs::symlink_status(directory)) && !fs::is_empty(directory);
         create_folder(directory, mode, outcome);
     };
-    call_on_disk(create, "folder_create", directory, mode);
+    call_on_disk(create, "folder_create", directory, Mode{mode});
 }
 
 void dir_copy(std::string source, std::string destination) {

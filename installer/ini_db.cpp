@@ -10,11 +10,11 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "trial/files.h"
-#include "trial/host.h"
+#include "installer/files.h"
+#include "installer/host.h"
 
 namespace fs = std::filesystem;
-using namespace trial;
+using namespace installer;
 
 struct IniDb::Contents {
     std::string file, separator, key, value;
@@ -69,7 +69,7 @@ std::string read_text(fs::path const& file) {
 
 /// Throws std::runtime_error, and leaves the file as it was, where it cannot be done.
 void save_entry(fs::path const& listed, std::string const& key, std::string const& separator,
-                std::string const& value) {
+                std::string const& value, Outcome& outcome) {
     if (key.empty()) throw std::runtime_error("the key is empty; is WB_PREFS_INST_DIR set?");
     std::string const entry = key + separator + value;
     if (!sets_key(entry, key, separator) || entry.find_first_of("\r\n") != std::string::npos)
@@ -84,7 +84,7 @@ void save_entry(fs::path const& listed, std::string const& key, std::string cons
             if (size < 0) throw std::system_error(errno, std::generic_category());
             rest.remove_prefix(static_cast<std::size_t>(size));
         }
-        take_attributes(fresh, file, Host::current().outcome);
+        copy_attributes(file, fresh, outcome);
     });
 }
 
@@ -113,17 +113,18 @@ void IniDb::setValue(std::string key, std::string value, bool flag) {
 }
 
 void IniDb::save() {
-    auto const save = [&contents = *contents_] {
+    auto const save = [&contents = *contents_](Outcome& outcome) {
         std::string failure;
         try {
-            return save_entry(contents.file, contents.key, contents.separator, contents.value);
+            return save_entry(contents.file, contents.key, contents.separator, contents.value,
+                              outcome);
         } catch (std::system_error const& error) {
             failure = error.code().message();
         } catch (std::runtime_error const& error) {
             failure = error.what();
         }
-        Host::current().outcome.fail("the preferences file " + show(contents.file) +
-                                     " was not changed: " + failure);
+        outcome.fail("the preferences file " + show(contents.file) +
+                     " was not changed: " + failure);
     };
-    host_call(save, "save");
+    call_on_disk(save, "save");
 }

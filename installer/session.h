@@ -7,7 +7,7 @@
 
 #include "host/component_model.h"
 
-namespace trial {
+namespace installer {
 
 /// Lists the files that one component installs.
 class FileProvider final : public ComponentProvider {
@@ -36,8 +36,4 @@ struct Session : session_t {
     }
 };
 
-/// Fills the session with the variables and the components that the TOML file describes. Throws
-/// StartError, naming the file and, where there is one, the line; the session is then of no use.
-void read_session_file(std::string const& file, Session& session);
-
-} // namespace trial
+} // namespace installer

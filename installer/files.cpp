@@ -1,5 +1,7 @@
-#include "trial/files.h"
+#include "installer/files.h"
 
+#include <acl/libacl.h>
+#include <attr/libattr.h>
 #include <fcntl.h>
 #include <sys/sendfile.h>
 #include <unistd.h>
@@ -11,9 +13,11 @@
 #include <csignal>
 #include <iostream>
 
+#include "installer/show.h"
+
 namespace fs = std::filesystem;
 
-namespace trial {
+namespace installer {
 
 namespace {
 
@@ -37,7 +41,7 @@ void watch_signals() {
 }
 
 /// Throws where `succeeds` is false, with `error`, or with what is in errno.
-void check(bool succeeds, fs::path const& path, int error = 0) {
+void require(bool succeeds, fs::path const& path, int error = 0) {
     std::error_code const code(error != 0 ? error : errno, std::generic_category());
     if (!succeeds) throw fs::filesystem_error("", path, code);
 }
@@ -45,7 +49,7 @@ void check(bool succeeds, fs::path const& path, int error = 0) {
 /// Of a link, its own status.
 struct stat status_of(fs::path const& path) {
     struct stat status {};
-    check(lstat(path.c_str(), &status) == 0, path);
+    require(lstat(path.c_str(), &status) == 0, path);
     return status;
 }
 
@@ -61,17 +65,30 @@ void set_folder_mode(fs::path const& folder, mode_t mode, Outcome& outcome) {
     mode_t const present = status_of(folder).st_mode & 07777;
     mode_t const wanted = (mode & 07777) | (present & S_ISGID);
     if (present == wanted || chmod(folder.c_str(), wanted) == 0) return;
-    check(errno == EPERM, folder);
-    outcome.notes.push_back("the mode of " + show(folder.string()) + " stays " + show(present) +
-                            ", for the folder is somebody else's");
+    require(errno == EPERM, folder);
+    outcome.notes.push_back("the mode of " + show(folder.string()) + " stays " +
+                            show_mode(present) + ", for the folder is somebody else's");
 }
+
+/// An open file, which it closes.
+class Descriptor {
+  public:
+    explicit Descriptor(int number) : number_(number) {}
+    ~Descriptor() { close(number_); }
+    Descriptor(Descriptor const&) = delete;
+    Descriptor& operator=(Descriptor const&) = delete;
+    operator int() const { return number_; }
+
+  private:
+    int number_;
+};
 
 /// The copying of one tree.
 class TreeCopy {
   public:
-    TreeCopy(fs::path source, Outcome& outcome) : source_(std::move(source)), outcome_(outcome) {}
+    explicit TreeCopy(Outcome& outcome) : outcome_(outcome) {}
     ~TreeCopy() {
-        if (file_count_ > 0) std::cerr << "\r\x1b[K" << std::flush;
+        if (has_shown_) std::cerr << "\r\x1b[K" << std::flush;
     }
 
     void copy_contents(fs::path const& source, fs::path const& destination) {
@@ -90,8 +107,8 @@ class TreeCopy {
 
   private:
     void copy_folder(fs::path const& source, fs::path const& target) {
-        check(mkdir(target.c_str(), S_IRWXU) == 0 || errno == EEXIST, target);
-        check(S_ISDIR(status_of(target).st_mode), target, ENOTDIR);
+        require(mkdir(target.c_str(), S_IRWXU) == 0 || errno == EEXIST, target);
+        require(S_ISDIR(status_of(target).st_mode), target, ENOTDIR);
         set_folder_mode(target, status_of(target).st_mode | S_IRWXU, outcome_);
         copy_contents(source, target);
         set_folder_mode(target, copied_mode(status_of(source), status_of(target)), outcome_);
@@ -99,41 +116,36 @@ class TreeCopy {
 
     static void copy_link(fs::path const& source, fs::path const& target) {
         replace_file(target, [&](int, char const* name) {
-            check(unlink(name) == 0, target);
+            require(unlink(name) == 0, target);
             fs::create_symlink(fs::read_symlink(source), name);
         });
     }
 
     void copy_regular_file(fs::path const& source, fs::path const& target) {
-        int const from = open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-        check(from != -1, source);
-        std::unique_ptr<int const, void (*)(int const*)> const closer(
-            &from, [](int const* file) { close(*file); });
+        Descriptor const from(open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+        require(from != -1, source);
         replace_file(target, [&](int file, char const*) {
             ssize_t size = 0;
             while ((size = sendfile(file, from, nullptr, std::size_t{64} << 20)) > 0)
                 show_progress();
             struct stat original {};
             struct stat copy {};
-            check(size == 0 && fstat(from, &original) == 0 && fstat(file, &copy) == 0, target);
-            check(fchmod(file, copied_mode(original, copy)) == 0, target);
+            require(size == 0 && fstat(from, &original) == 0 && fstat(file, &copy) == 0, target);
+            require(fchmod(file, copied_mode(original, copy)) == 0, target);
         });
     }
 
     void show_progress() {
         auto const now = std::chrono::steady_clock::now();
         if (now - shown_ < std::chrono::seconds(1) || !isatty(STDERR_FILENO)) return;
-        if (file_count_ == 0)
-            for (fs::directory_entry const& entry : fs::recursive_directory_iterator(source_))
-                file_count_ += entry.is_symlink() || !entry.is_directory();
-        std::cerr << "\rcopied " << copied_ << " of " << file_count_ << " files" << std::flush;
+        std::cerr << "\rcopied " << copied_ << " files" << std::flush;
+        has_shown_ = true;
         shown_ = now;
     }
 
-    fs::path source_;
     Outcome& outcome_;
     int copied_ = 0;
-    int file_count_ = 0; ///< not known before progress is shown
+    bool has_shown_ = false;
     std::chrono::steady_clock::time_point shown_ = std::chrono::steady_clock::now();
 };
 
@@ -150,7 +162,7 @@ std::string normalised(std::string const& path) {
 void replace_file(fs::path const& target,
                   std::function<void(int file, char const* name)> const& fill) {
     std::string const pattern = target.parent_path() / ".wb-trial-XXXXXX";
-    check(pattern.size() < unfinished.size(), target, ENAMETOOLONG);
+    require(pattern.size() < unfinished.size(), target, ENAMETOOLONG);
     watch_signals();
     unfinished[pattern.copy(unfinished.data(), pattern.size())] = '\0';
     struct NewFile {
@@ -161,38 +173,41 @@ void replace_file(fs::path const& target,
             unfinished[0] = '\0';
         }
     } const created;
-    check(created.file != -1, target);
+    require(created.file != -1, target);
     fill(created.file, unfinished.data());
-    check(rename(unfinished.data(), target.c_str()) == 0, target);
+    require(rename(unfinished.data(), target.c_str()) == 0, target);
 }
 
-void take_attributes(int file, fs::path const& model_file, Outcome& outcome) {
-    struct stat model {};
-    struct stat present {};
-    bool const has_owner = stat(model_file.c_str(), &model) == 0 && fstat(file, &present) == 0 &&
-                           (present.st_uid == model.st_uid || fchown(file, model.st_uid, -1U) == 0);
-    check(has_owner, model_file);
-    mode_t mode = model.st_mode & 07777;
-    if (present.st_gid != model.st_gid && fchown(file, -1U, model.st_gid) != 0) {
-        mode_t const rights_of_all = (mode & S_IRWXO) << 3;
-        mode &= ~(S_ISGID | (S_IRWXG & ~rights_of_all));
-        outcome.notes.push_back("the group of " + show(model_file.string()) + " could not be kept");
-    }
-    check(fchmod(file, mode) == 0, model_file);
+void copy_attributes(fs::path const& model, int file, Outcome& outcome) {
+    Descriptor const from(open(model.c_str(), O_RDONLY | O_CLOEXEC));
+    struct stat original {};
+    struct stat copy {};
+    require(fstat(from, &original) == 0 && fstat(file, &copy) == 0, model);
+    require(copy.st_uid == original.st_uid || fchown(file, original.st_uid, -1U) == 0, model);
+    bool const has_group =
+        copy.st_gid == original.st_gid || fchown(file, -1U, original.st_gid) == 0;
+    require(perm_copy_fd(model.c_str(), from, model.c_str(), file, nullptr) == 0, model);
+    if (attr_copy_fd(model.c_str(), from, model.c_str(), file, nullptr, nullptr) != 0)
+        outcome.notes.push_back("not all attributes of " + show(model.string()) + " could be kept");
+    if (has_group) return;
+    mode_t const rights_of_all = (original.st_mode & S_IRWXO) << 3;
+    mode_t const withheld = S_ISGID | (S_IRWXG & ~rights_of_all);
+    require(fchmod(file, original.st_mode & 07777 & ~withheld) == 0, model);
+    outcome.notes.push_back("the group of " + show(model.string()) + " could not be kept");
 }
 
 void create_folder(fs::path const& directory, mode_t mode, Outcome& outcome) {
-    check(!fs::is_symlink(directory), directory, ENOTDIR);
+    require(!fs::is_symlink(directory), directory, ENOTDIR);
     fs::create_directories(directory);
     set_folder_mode(directory, mode, outcome);
 }
 
 void copy_tree(fs::path const& source, fs::path const& destination, Outcome& outcome) {
-    check(S_ISDIR(status_of(destination).st_mode), destination, ENOTDIR);
+    require(S_ISDIR(status_of(destination).st_mode), destination, ENOTDIR);
     fs::path const from_source =
         fs::canonical(destination).lexically_relative(fs::canonical(source));
-    check(*from_source.begin() == "..", destination, EINVAL);
-    TreeCopy(source, outcome).copy_contents(source, destination);
+    require(*from_source.begin() == "..", destination, EINVAL);
+    TreeCopy(outcome).copy_contents(source, destination);
 }
 
-} // namespace trial
+} // namespace installer

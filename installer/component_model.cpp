@@ -1,10 +1,10 @@
 #include "host/component_model.h"
 
-#include "trial/host.h"
+#include "installer/host.h"
 
-using namespace trial;
+using namespace installer;
 
-namespace trial {
+namespace installer {
 
 std::string show(std::vector<Component*> const& components) {
     std::string shown = "{";
@@ -23,7 +23,7 @@ std::vector<std::string> FileProvider::fileList(void* handle) {
                      handle);
 }
 
-} // namespace trial
+} // namespace installer
 
 bool Component::installCondition() {
     return host_call([&] { return static_cast<ProductComponent*>(this)->install_condition; },

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace trial {
+namespace installer {
 
 /// The text with its control characters escaped, but for those in `kept`, so that it does nothing
 /// to a terminal.
@@ -22,8 +22,15 @@ inline std::string show(int number) {
 inline std::string show(void* pointer) {
     return pointer ? "set" : "null";
 }
-/// A file mode, in octal, without the file's type.
-std::string show(unsigned int mode);
+/// A file mode in octal, without the file's type.
+std::string show_mode(unsigned int mode);
+/// An argument that is a file mode.
+struct Mode {
+    unsigned int bits;
+};
+inline std::string show(Mode mode) {
+    return show_mode(mode.bits);
+}
 
 /// A call as it would stand in source code.
 template <typename... Arguments>
@@ -34,4 +41,4 @@ std::string show_call(std::string const& operation, Arguments const&... argument
     return text + ")";
 }
 
-} // namespace trial
+} // namespace installer

@@ -8,9 +8,9 @@
 #include <functional>
 #include <string>
 
-#include "trial/host.h"
+#include "installer/outcome.h"
 
-namespace trial {
+namespace installer {
 
 /// Merges repeated separators, drops a trailing one. ".." stays: across a link it leads elsewhere.
 std::string normalised(std::string const& path);
@@ -21,9 +21,10 @@ std::string normalised(std::string const& path);
 void replace_file(std::filesystem::path const& target,
                   std::function<void(int file, char const* name)> const& fill);
 
-/// Gives the open file the owner, group and mode of `model`, as far as they differ. A group that
-/// cannot be kept is a note; the new group gets no more rights then than everybody.
-void take_attributes(int file, std::filesystem::path const& model, Outcome& outcome);
+/// Gives the open file the owner, group, mode, ACL and extended attributes of `model`. A group or
+/// an attribute that cannot be kept is a note; the new group then gets no more rights than
+/// everybody.
+void copy_attributes(std::filesystem::path const& model, int file, Outcome& outcome);
 
 /// Makes the directory with that mode, and those above it. Of one that is there already only the
 /// mode is changed, where that is needed; where it cannot be, that is a note.
@@ -31,8 +32,8 @@ void create_folder(std::filesystem::path const& directory, mode_t mode, Outcome&
 
 /// Copies what is in `source` into the directory `destination`, which must not lie in it. Keeps
 /// modes and links, and overwrites file by file. A FIFO, socket or device is left out and a failure
-/// of the outcome. Shows on a terminal how far it is when it takes longer than a second.
+/// of the outcome. On a terminal it shows every second how many files are copied.
 void copy_tree(std::filesystem::path const& source, std::filesystem::path const& destination,
                Outcome& outcome);
 
-} // namespace trial
+} // namespace installer

@@ -1,4 +1,4 @@
-#include "trial/shell.h"
+#include "installer/shell.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -11,7 +11,7 @@
 #include <system_error>
 #include <vector>
 
-namespace trial {
+namespace installer {
 
 namespace {
 
@@ -25,23 +25,12 @@ namespace {
     _exit(127);
 }
 
-/// A string that grows to hundreds of megabytes spends its time on copies and fresh pages; address
-/// space that is not used costs nothing.
-void reserve_address_space(std::string& text) try {
-    constexpr std::size_t much = std::size_t{1} << 30;
-    if (text.capacity() < much) text.reserve(much);
-} catch (std::bad_alloc const&) {
-    return; // it grows step by step then
-}
-
 std::string read_all(int input) {
     std::string text;
     std::vector<char> block(std::size_t{1} << 16);
     ssize_t size = 0;
-    while ((size = read(input, block.data(), block.size())) > 0) {
-        if (text.size() >= block.size()) reserve_address_space(text);
+    while ((size = read(input, block.data(), block.size())) > 0)
         text.append(block.data(), static_cast<std::size_t>(size));
-    }
     return text;
 }
 
@@ -69,4 +58,4 @@ CommandOutcome run_in_shell(std::string const& shell, std::string const& command
     return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), std::move(output)};
 }
 
-} // namespace trial
+} // namespace installer

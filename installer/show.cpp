@@ -1,9 +1,9 @@
-#include "trial/show.h"
+#include "installer/show.h"
 
 #include <array>
 #include <cstdio>
 
-namespace trial {
+namespace installer {
 
 namespace {
 
@@ -49,8 +49,8 @@ std::string show(std::vector<std::string> const& texts) {
     return shown + "}";
 }
 
-std::string show(unsigned int mode) {
+std::string show_mode(unsigned int mode) {
     return formatted("%04o", mode & 07777);
 }
 
-} // namespace trial
+} // namespace installer

@@ -1,15 +1,16 @@
 #pragma once
 
+#include <filesystem>
 #include <fstream>
-#include <set>
 #include <string>
 #include <type_traits>
 #include <vector>
 
-#include "trial/session.h"
-#include "trial/show.h"
+#include "installer/outcome.h"
+#include "installer/session.h"
+#include "installer/show.h"
 
-namespace trial {
+namespace installer {
 
 /// Hears of every host call.
 class CallListener {
@@ -21,29 +22,13 @@ class CallListener {
     virtual void ends(std::string const& call) = 0;
 };
 
-/// What an action came to, beside its result.
-struct Outcome {
-    std::vector<std::string> written; ///< the variables that it wrote, in order
-    std::set<std::string> read;       ///< the variables that it read
-    std::string output;               ///< what its command said; of much, the end
-    std::size_t output_size = 0;      ///< how much that was, in bytes
-    std::string copy;                 ///< the directory that it had a configuration copied into
-    bool was_there = false;           ///< whether that directory was there before
-
-    std::vector<std::string> failures; ///< what went wrong and the plug-in passed over, in words
-    std::vector<std::string> notes;    ///< what is worth knowing and no failure
-
-    void fail(std::string const& sentence) { failures.push_back(sentence); }
-};
-
-/// The host that stands in: what the operations in host/ act on. One at a time, for most of them
-/// are given no session.
+/// What the operations in host/ act on. There is one at a time, for most of them get no session.
 struct Host {
     Session session;
     std::ofstream log; ///< lines go to standard error while it is closed
     Outcome outcome;   ///< of the action at work, or of the last one
     std::string shell = "/bin/sh";
-    std::string action; ///< its name, for the report; nothing is reported where it is empty
+    std::string action; ///< its name, for the report; empty for no report
     CallListener* listener = nullptr;
 
     Host() { current_ = this; }
@@ -58,8 +43,8 @@ struct Host {
 /// The names of the components.
 std::string show(std::vector<Component*> const& components);
 
-/// The one way through which every host call goes: does `work` and returns its answer. The call is
-/// put into words only for a listener.
+/// Every host call goes through here: does `work` and returns its answer. The call is put into
+/// words only for a listener.
 template <typename Work, typename... Arguments>
 auto host_call(Work work, char const* operation, Arguments const&... arguments) {
     CallListener* const listener = Host::current().listener;
@@ -76,4 +61,20 @@ auto host_call(Work work, char const* operation, Arguments const&... arguments) 
     }
 }
 
-} // namespace trial
+/// The same for work that can fail: it gets the outcome of the action at work, to add failures to.
+/// A std::filesystem::filesystem_error that it throws becomes one.
+template <typename Work, typename... Arguments>
+void call_on_disk(Work work, char const* operation, Arguments const&... arguments) {
+    auto const reported = [&] {
+        Outcome& outcome = Host::current().outcome;
+        try {
+            work(outcome);
+        } catch (std::filesystem::filesystem_error const& error) {
+            outcome.fail(show_call(operation, arguments...) + " failed: " + error.code().message() +
+                         ": " + show(error.path1().string()));
+        }
+    };
+    host_call(reported, operation, arguments...);
+}
+
+} // namespace installer
