@@ -3,16 +3,15 @@
 #include <acl/libacl.h>
 #include <attr/libattr.h>
 #include <fcntl.h>
-#include <sys/sendfile.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <chrono>
-#include <climits>
-#include <csignal>
+#include <fstream>
 #include <iostream>
+#include <vector>
 
+#include "installer/held_signals.h"
 #include "installer/show.h"
 
 namespace fs = std::filesystem;
@@ -20,25 +19,6 @@ namespace fs = std::filesystem;
 namespace installer {
 
 namespace {
-
-/// The name of the file that is to be removed when a signal ends the program. An array, because a
-/// signal handler may neither allocate nor lock.
-std::array<char, PATH_MAX> unfinished = {};
-
-void remove_unfinished_and_end(int signal_number) {
-    unlink(unfinished.data());
-    signal(signal_number, SIG_DFL);
-    raise(signal_number);
-    _exit(128 + signal_number); // the first process of a sandbox survives the signal
-}
-
-void watch_signals() {
-    for (int const number : {SIGINT, SIGTERM, SIGHUP}) {
-        struct sigaction present {};
-        sigaction(number, nullptr, &present);
-        if (present.sa_handler != SIG_IGN) signal(number, remove_unfinished_and_end);
-    }
-}
 
 /// Throws where `succeeds` is false, with `error`, or with what is in errno.
 void require(bool succeeds, fs::path const& path, int error = 0) {
@@ -69,19 +49,6 @@ void set_folder_mode(fs::path const& folder, mode_t mode, Outcome& outcome) {
     outcome.notes.push_back("the mode of " + show(folder.string()) + " stays " +
                             show_mode(present) + ", for the folder is somebody else's");
 }
-
-/// An open file, which it closes.
-class Descriptor {
-  public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor() { close(number_); }
-    Descriptor(Descriptor const&) = delete;
-    Descriptor& operator=(Descriptor const&) = delete;
-    operator int() const { return number_; }
-
-  private:
-    int number_;
-};
 
 /// The copying of one tree.
 class TreeCopy {
@@ -115,23 +82,27 @@ class TreeCopy {
     }
 
     static void copy_link(fs::path const& source, fs::path const& target) {
-        replace_file(target, [&](int, char const* name) {
-            require(unlink(name) == 0, target);
-            fs::create_symlink(fs::read_symlink(source), name);
+        replace_file(target, [&](fs::path const& fresh) {
+            fs::remove(fresh);
+            fs::create_symlink(fs::read_symlink(source), fresh);
         });
     }
 
     void copy_regular_file(fs::path const& source, fs::path const& target) {
-        Descriptor const from(open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-        require(from != -1, source);
-        replace_file(target, [&](int file, char const*) {
-            ssize_t size = 0;
-            while ((size = sendfile(file, from, nullptr, std::size_t{64} << 20)) > 0)
+        replace_file(target, [&](fs::path const& fresh) {
+            std::ifstream from(source);
+            require(from.is_open(), source);
+            std::ofstream to(fresh);
+            std::vector<char> block(std::size_t{1} << 20);
+            do {
+                from.read(block.data(), std::streamsize(block.size()));
+                require(!from.bad() && to.write(block.data(), from.gcount()), target);
+                require(!HeldSignals::are_pending(), target, EINTR);
                 show_progress();
-            struct stat original {};
-            struct stat copy {};
-            require(size == 0 && fstat(from, &original) == 0 && fstat(file, &copy) == 0, target);
-            require(fchmod(file, copied_mode(original, copy)) == 0, target);
+            } while (from);
+            require(bool(to.flush()), target);
+            mode_t const mode = copied_mode(status_of(source), status_of(fresh));
+            require(chmod(fresh.c_str(), mode) == 0, target);
         });
     }
 
@@ -159,40 +130,35 @@ std::string normalised(std::string const& path) {
     return result;
 }
 
-void replace_file(fs::path const& target,
-                  std::function<void(int file, char const* name)> const& fill) {
-    std::string const pattern = target.parent_path() / ".wb-trial-XXXXXX";
-    require(pattern.size() < unfinished.size(), target, ENAMETOOLONG);
-    watch_signals();
-    unfinished[pattern.copy(unfinished.data(), pattern.size())] = '\0';
-    struct NewFile {
-        int file = mkostemp(unfinished.data(), O_CLOEXEC);
-        ~NewFile() {
-            close(file);
-            unlink(unfinished.data()); // there is none of that name once it is in its place
-            unfinished[0] = '\0';
-        }
-    } const created;
-    require(created.file != -1, target);
-    fill(created.file, unfinished.data());
-    require(rename(unfinished.data(), target.c_str()) == 0, target);
+void replace_file(fs::path const& target, std::function<void(fs::path const& fresh)> const& fill) {
+    HeldSignals const signals;
+    std::string fresh = target.parent_path() / ".wb-trial-XXXXXX";
+    int const file = mkostemp(fresh.data(), O_CLOEXEC);
+    require(file != -1, target);
+    close(file);
+    try {
+        fill(fresh);
+        require(rename(fresh.c_str(), target.c_str()) == 0, target);
+    } catch (...) {
+        unlink(fresh.c_str());
+        throw;
+    }
 }
 
-void copy_attributes(fs::path const& model, int file, Outcome& outcome) {
-    Descriptor const from(open(model.c_str(), O_RDONLY | O_CLOEXEC));
-    struct stat original {};
-    struct stat copy {};
-    require(fstat(from, &original) == 0 && fstat(file, &copy) == 0, model);
-    require(copy.st_uid == original.st_uid || fchown(file, original.st_uid, -1U) == 0, model);
+void copy_attributes(fs::path const& model, fs::path const& file, Outcome& outcome) {
+    struct stat const original = status_of(model);
+    struct stat const copy = status_of(file);
+    require(copy.st_uid == original.st_uid || chown(file.c_str(), original.st_uid, -1U) == 0,
+            model);
     bool const has_group =
-        copy.st_gid == original.st_gid || fchown(file, -1U, original.st_gid) == 0;
-    require(perm_copy_fd(model.c_str(), from, model.c_str(), file, nullptr) == 0, model);
-    if (attr_copy_fd(model.c_str(), from, model.c_str(), file, nullptr, nullptr) != 0)
+        copy.st_gid == original.st_gid || chown(file.c_str(), -1U, original.st_gid) == 0;
+    require(perm_copy_file(model.c_str(), file.c_str(), nullptr) == 0, model);
+    if (attr_copy_file(model.c_str(), file.c_str(), nullptr, nullptr) != 0)
         outcome.notes.push_back("not all attributes of " + show(model.string()) + " could be kept");
     if (has_group) return;
     mode_t const rights_of_all = (original.st_mode & S_IRWXO) << 3;
     mode_t const withheld = S_ISGID | (S_IRWXG & ~rights_of_all);
-    require(fchmod(file, original.st_mode & 07777 & ~withheld) == 0, model);
+    require(chmod(file.c_str(), original.st_mode & 07777 & ~withheld) == 0, model);
     outcome.notes.push_back("the group of " + show(model.string()) + " could not be kept");
 }
 

@@ -15,16 +15,16 @@ namespace installer {
 /// Merges repeated separators, drops a trailing one. ".." stays: across a link it leads elsewhere.
 std::string normalised(std::string const& path);
 
-/// Puts a new file in the place of `target`, whole or not at all. `fill` is given it, open, and its
-/// name beside `target`, which nobody can guess. Until it is in its place it is its owner's alone,
-/// and removed where `fill` throws or SIGINT, SIGTERM or SIGHUP ends the program. One at a time.
+/// Puts a new file in the place of `target`, whole or not at all. `fill` is given its name beside
+/// `target`, which nobody can guess; until it is in its place it is its owner's alone. It is
+/// removed where `fill` throws; SIGINT, SIGTERM and SIGHUP wait.
 void replace_file(std::filesystem::path const& target,
-                  std::function<void(int file, char const* name)> const& fill);
+                  std::function<void(std::filesystem::path const& fresh)> const& fill);
 
-/// Gives the open file the owner, group, mode, ACL and extended attributes of `model`. A group or
-/// an attribute that cannot be kept is a note; the new group then gets no more rights than
-/// everybody.
-void copy_attributes(std::filesystem::path const& model, int file, Outcome& outcome);
+/// Gives `file` the owner, group, mode, ACL and extended attributes of `model`. A group or an
+/// attribute that cannot be kept is a note; the new group then gets no more rights than everybody.
+void copy_attributes(std::filesystem::path const& model, std::filesystem::path const& file,
+                     Outcome& outcome);
 
 /// Makes the directory with that mode, and those above it. Of one that is there already only the
 /// mode is changed, where that is needed; where it cannot be, that is a note.

@@ -1,7 +1,5 @@
 #include "host/ini_db.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
@@ -78,12 +76,9 @@ void save_entry(fs::path const& listed, std::string const& key, std::string cons
     fs::path const file = fs::canonical(listed);
     if (!fs::is_regular_file(file)) throw std::runtime_error("it is not a regular file");
     std::string const text = with_entry(read_text(file), key, separator, entry);
-    replace_file(file, [&](int fresh, char const*) {
-        for (std::string_view rest = text; !rest.empty();) {
-            ssize_t const size = write(fresh, rest.data(), rest.size());
-            if (size < 0) throw std::system_error(errno, std::generic_category());
-            rest.remove_prefix(static_cast<std::size_t>(size));
-        }
+    replace_file(file, [&](fs::path const& fresh) {
+        if (!(std::ofstream(fresh) << text << std::flush))
+            throw std::system_error(errno, std::generic_category());
         copy_attributes(file, fresh, outcome);
     });
 }

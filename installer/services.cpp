@@ -138,9 +138,6 @@ std::string get_command_output(std::string command, int* status, bool flag, std:
         if (ended.status != 0)
             host.outcome.fail("the command " + show(command) + " ended with status " +
                               std::to_string(ended.status));
-        if (ended.output.find(std::strerror(EROFS)) != std::string::npos)
-            host.outcome.fail("the command " + show(command) +
-                              " was kept from writing to what is read-only, as its output tells");
         return std::move(ended.output);
     };
     return host_call(run, "get_command_output", command, *status, flag, text);

@@ -16,6 +16,8 @@ namespace installer {
 namespace {
 
 [[noreturn]] void become(char const* shell, char const* command, int output) {
+    // In a session of its own, with no terminal, a command cannot signal the group of its caller.
+    if (getsid(0) == getppid()) setpgid(0, 0);
     dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
     dup2(output, STDOUT_FILENO);
     dup2(output, STDERR_FILENO);

@@ -10,10 +10,6 @@ _wb_trial() {
         _filedir
         return
         ;;
-    --writable)
-        _filedir -d
-        return
-        ;;
     --set)
         mapfile -t COMPREPLY < <(compgen -S = -W "DEFAULT_SEARCH_PATH SUPPORTED_VERSION VORN_INSTALL_DIR
             VORN_INSTALL_SUBDIR WB_INTEGRATION_PATH WB_PREFS WB_PREFS_INST_DIR WORKBENCH_SCRIPT_NAME
@@ -26,7 +22,7 @@ _wb_trial() {
     local number choices positional=()
     for ((number = 1; number < cword; number++)); do
         case ${words[number]} in
-        --set | --writable | --plugin) number=$((number + 1)) ;;
+        --set | --plugin) number=$((number + 1)) ;;
         -*) ;;
         *) positional+=("${words[number]}") ;;
         esac

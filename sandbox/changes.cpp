@@ -1,17 +1,23 @@
 #include "sandbox/changes.h"
 
 #include <fcntl.h>
+#include <linux/limits.h>
+#include <sys/sysmacros.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <iomanip>
 #include <iterator>
 #include <optional>
 #include <set>
 #include <sstream>
+
+#include "sandbox/capabilities.h"
 
 namespace fs = std::filesystem;
 
@@ -36,6 +42,32 @@ std::set<std::string> names_in(fs::path const& directory) {
     return names;
 }
 
+/// Without those that an overlay keeps its own records in. None where they cannot be read.
+Attributes attributes_of(fs::path const& path) {
+    std::vector<char> names(XATTR_LIST_MAX);
+    std::vector<char> value(XATTR_SIZE_MAX);
+    ssize_t const size = llistxattr(path.c_str(), names.data(), names.size());
+    Attributes attributes;
+    for (char const* name = names.data(); name < names.data() + size;
+         name += std::strlen(name) + 1) {
+        if (std::string(name).find(".overlay.") != std::string::npos) continue;
+        ssize_t const length = lgetxattr(path.c_str(), name, value.data(), value.size());
+        if (length >= 0) attributes[name].assign(value.data(), std::size_t(length));
+    }
+    return attributes;
+}
+
+/// Those that are not the same, or not in both.
+std::set<std::string> different(Attributes const& before, Attributes const& now) {
+    std::set<std::string> names;
+    for (auto const& [attributes, others] : {std::pair(&before, &now), {&now, &before}})
+        for (auto const& attribute : *attributes) {
+            auto const other = others->find(attribute.first);
+            if (other == others->end() || *other != attribute) names.insert(attribute.first);
+        }
+    return names;
+}
+
 std::string in_units(std::uintmax_t bytes) {
     if (bytes < 1024) return std::to_string(bytes) + " B";
     auto amount = static_cast<double>(bytes);
@@ -49,14 +81,16 @@ std::string in_units(std::uintmax_t bytes) {
     return text.str();
 }
 
-/// The number of files below the directory, and their size.
+/// The number of files below the directory, and their size, as far as it can be looked into.
 std::string summary(fs::path const& directory) {
     std::size_t count = 0;
     std::uintmax_t size = 0;
-    for (fs::directory_entry const& entry : fs::recursive_directory_iterator(directory)) {
-        fs::file_type const type = entry.symlink_status().type();
+    std::error_code unreachable;
+    auto const options = fs::directory_options::skip_permission_denied;
+    for (fs::directory_entry const& entry : fs::recursive_directory_iterator(directory, options)) {
+        fs::file_type const type = entry.symlink_status(unreachable).type();
         if (type != fs::file_type::directory) ++count;
-        if (type == fs::file_type::regular) size += entry.file_size();
+        if (type == fs::file_type::regular) size += entry.file_size(unreachable);
     }
     return std::to_string(count) + (count == 1 ? " file, " : " files, ") + in_units(size);
 }
@@ -91,29 +125,55 @@ std::string octal(mode_t mode) {
     return text.str();
 }
 
-/// Compares the lower layer of one overlay with the directory as it is seen. Only what is in the
-/// upper layer can differ. Paths are relative to the directory; an empty one is itself.
+std::string device(dev_t number) {
+    return std::to_string(major(number)) + ":" + std::to_string(minor(number));
+}
+
+/// What changed in a status, each as "what old -> new".
+std::vector<std::string> differences(Status const& before, Status const& now) {
+    std::vector<std::string> found;
+    auto const compare = [&found](char const* what, auto old_value, auto value, auto in_words) {
+        if (old_value == value) return;
+        found.push_back(what + (" " + in_words(old_value)) + " -> " + in_words(value));
+    };
+    auto const number = [](unsigned id) { return std::to_string(id); };
+    compare("mode", before.st_mode, now.st_mode, octal);
+    compare("owner", before.st_uid, now.st_uid, number);
+    compare("group", before.st_gid, now.st_gid, number);
+    if (S_ISBLK(now.st_mode) || S_ISCHR(now.st_mode))
+        compare("device", before.st_rdev, now.st_rdev, device);
+    return found;
+}
+
+std::string joined(std::vector<std::string> const& texts) {
+    std::string list;
+    for (std::string const& text : texts) list += (list.empty() ? "" : ", ") + text;
+    return list;
+}
+
+/// Compares one directory with what it was. Only what is in the upper layer can differ, if there is
+/// one. Paths are relative to the directory; an empty one is itself.
 class Comparison {
   public:
-    Comparison(Overlay const& overlay, std::vector<Change>& changes)
-        : overlay_(overlay), changes_(changes) {}
+    Comparison(Watched const& watched, std::vector<Change>& changes)
+        : watched_(watched), changes_(changes) {}
 
     void compare(fs::path const& path) {
         try {
-            auto const before = path.empty() ? overlay_.start : status_of(lower(path));
-            std::optional<Status> const now = status_of(merged(path));
+            auto const before = path.empty() ? watched_.status : status_of(old(path));
+            std::optional<Status> const now = status_of(present(path));
             if (before && now) compare_both(path, *before, *now);
             else if (before) remove(path, *before);
             else if (now) add('A', path, *now);
         } catch (std::system_error const& error) {
-            changes_.push_back({'M', merged(path), "not known: " + error.code().message(), ""});
+            changes_.push_back({'M', present(path), "not known: " + error.code().message(), ""});
         }
     }
 
   private:
-    fs::path lower(fs::path const& path) const { return overlay_.lower / path; }
-    fs::path merged(fs::path const& path) const {
-        return path.empty() ? overlay_.directory : overlay_.directory / path;
+    fs::path old(fs::path const& path) const { return watched_.before / path; }
+    fs::path present(fs::path const& path) const {
+        return path.empty() ? watched_.directory : watched_.directory / path;
     }
 
     void compare_both(fs::path const& path, Status const& before, Status const& now) {
@@ -128,49 +188,54 @@ class Comparison {
     }
 
     void compare_contents(fs::path const& directory) {
-        std::set<std::string> names = names_in(overlay_.upper / directory);
+        for (std::string const& name : names_that_can_differ(directory)) compare(directory / name);
+    }
+
+    std::set<std::string> names_that_can_differ(fs::path const& directory) {
+        std::set<std::string> names =
+            names_in(watched_.upper.empty() ? present(directory) : watched_.upper / directory);
         // A directory that was removed and made again hides all of the lower one, any other hides
         // nothing: so one name that is not in the upper layer tells.
-        for (fs::directory_entry const& entry : fs::directory_iterator(lower(directory))) {
+        for (fs::directory_entry const& entry : fs::directory_iterator(old(directory))) {
             fs::path const name = entry.path().filename();
             if (names.count(name) != 0) continue;
-            if (!status_of(merged(directory) / name)) names.merge(names_in(lower(directory)));
+            if (!status_of(present(directory) / name)) names.merge(names_in(old(directory)));
             break;
         }
-        for (std::string const& name : names) compare(directory / name);
+        return names;
     }
 
     void compare_itself(fs::path const& path, Status const& before, Status const& now) {
-        std::string detail;
-        auto const add_detail = [&detail](std::string const& what, std::string const& old_value,
-                                          std::string const& new_value) {
-            detail += (detail.empty() ? "" : ", ") + what + " " + old_value + " -> " + new_value;
-        };
-        if (before.st_mode != now.st_mode)
-            add_detail("mode", octal(before.st_mode), octal(now.st_mode));
-        if (before.st_uid != now.st_uid)
-            add_detail("owner", std::to_string(before.st_uid), std::to_string(now.st_uid));
-        if (before.st_gid != now.st_gid)
-            add_detail("group", std::to_string(before.st_gid), std::to_string(now.st_gid));
-        std::string difference;
-        if (S_ISLNK(now.st_mode) && fs::read_symlink(lower(path)) != fs::read_symlink(merged(path)))
-            add_detail("link", fs::read_symlink(lower(path)), fs::read_symlink(merged(path)));
-        bool const is_changed =
-            S_ISREG(now.st_mode) &&
-            (before.st_size != now.st_size || !has_same_content(lower(path), merged(path)));
-        if (is_changed) {
-            constexpr off_t most = off_t{4} << 20; // of what diff takes long for
-            if (before.st_size < most && now.st_size < most)
-                difference = text_difference(lower(path), merged(path));
-            if (difference.empty())
-                add_detail("content", in_units(std::uintmax_t(before.st_size)),
-                           in_units(std::uintmax_t(now.st_size)));
-        }
-        if (!detail.empty() || !difference.empty()) report('M', path, now, detail, difference);
+        std::vector<std::string> details = differences(before, now);
+        Attributes const attributes = path.empty() ? watched_.attributes : attributes_of(old(path));
+        for (std::string const& name : different(attributes, attributes_of(present(path))))
+            details.push_back("attribute " + name);
+        if (S_ISLNK(now.st_mode) && fs::read_symlink(old(path)) != fs::read_symlink(present(path)))
+            details.push_back("link " + fs::read_symlink(old(path)).string() + " -> " +
+                              fs::read_symlink(present(path)).string());
+        std::string const text =
+            S_ISREG(now.st_mode) ? compare_content(path, before, now, details) : "";
+        if (!details.empty() || !text.empty()) report('M', path, now, joined(details), text);
+    }
+
+    /// Returns a difference in text. Any other one becomes a detail.
+    std::string compare_content(fs::path const& path, Status const& before, Status const& now,
+                                std::vector<std::string>& details) {
+        bool const is_same =
+            before.st_size == now.st_size && has_same_content(old(path), present(path));
+        if (is_same) return "";
+        constexpr off_t most = off_t{4} << 20; // of what diff takes long for
+        std::string text;
+        if (before.st_size < most && now.st_size < most)
+            text = text_difference(old(path), present(path));
+        if (text.empty())
+            details.push_back("content " + in_units(std::uintmax_t(before.st_size)) + " -> " +
+                              in_units(std::uintmax_t(now.st_size)));
+        return text;
     }
 
     void add(char letter, fs::path const& path, Status const& now) {
-        report(letter, path, now, S_ISDIR(now.st_mode) ? summary(merged(path)) : "");
+        report(letter, path, now, S_ISDIR(now.st_mode) ? summary(present(path)) : "");
     }
 
     void remove(fs::path const& path, Status const& before) {
@@ -179,29 +244,39 @@ class Comparison {
     }
 
     void remove_contents(fs::path const& directory) {
-        for (std::string const& name : names_in(lower(directory)))
-            remove(directory / name, *status_of(lower(directory / name)));
+        for (std::string const& name : names_in(old(directory)))
+            remove(directory / name, *status_of(old(directory / name)));
     }
 
     void report(char letter, fs::path const& path, Status const& status,
                 std::string const& detail = "", std::string const& difference = "") {
         std::string const suffix = S_ISDIR(status.st_mode) ? "/" : "";
-        changes_.push_back({letter, merged(path).string() + suffix, detail, difference});
+        changes_.push_back({letter, present(path).string() + suffix, detail, difference});
     }
 
-    Overlay const& overlay_;
+    Watched const& watched_;
     std::vector<Change>& changes_;
 };
 
 } // namespace
 
-std::vector<Change> find_changes(std::vector<Overlay> const& overlays, fs::path const& left_out) {
+Watched watch(fs::path const& directory, fs::path const& before, fs::path const& upper) {
+    return {directory, before, upper, status_of(directory).value(), attributes_of(directory)};
+}
+
+std::vector<Change> find_changes(std::vector<Watched> const& directories,
+                                 fs::path const& left_out) {
+    ReadingRights const rights;
     std::vector<Change> changes;
-    for (Overlay const& overlay : overlays) Comparison(overlay, changes).compare("");
+    for (Watched const& watched : directories) Comparison(watched, changes).compare("");
     auto const is_left_out = [&](Change const& change) { return change.path == left_out; };
     changes.erase(std::remove_if(changes.begin(), changes.end(), is_left_out), changes.end());
     std::sort(changes.begin(), changes.end(),
               [](Change const& one, Change const& other) { return one.path < other.path; });
+    changes.erase(
+        std::unique(changes.begin(), changes.end(),
+                    [](auto const& one, auto const& other) { return one.path == other.path; }),
+        changes.end());
     return changes;
 }
 

@@ -1,13 +1,30 @@
 #pragma once
 
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
-#include "sandbox/sandbox.h"
-
 namespace sandbox {
 
-/// What is not as it is on the disk.
+/// Extended attributes by name, ACLs and security labels among them.
+using Attributes = std::map<std::string, std::string>;
+
+/// A directory whose changes can be found.
+struct Watched {
+    std::filesystem::path directory; ///< its path, free of links
+    std::filesystem::path before;    ///< a path to it as it was
+    std::filesystem::path upper;     ///< what was written in it; empty where that is not known
+    struct stat status;              ///< its own when the watch began, as the attributes
+    Attributes attributes;
+};
+
+/// Begins the watch of a directory that is there.
+Watched watch(std::filesystem::path const& directory, std::filesystem::path const& before,
+              std::filesystem::path const& upper);
+
 struct Change {
     char letter;            ///< A added, M changed, D gone, T now of another type
     std::string path;       ///< absolute; a folder's ends with "/"
@@ -15,9 +32,10 @@ struct Change {
     std::string difference; ///< a unified diff where text changed
 };
 
-/// All changes below the overlays but for the file `left_out`, sorted by path. Takes as long as
-/// there are changes, not files. Throws std::filesystem::filesystem_error where it cannot look.
-std::vector<Change> find_changes(std::vector<Overlay> const& overlays,
+/// All changes in the directories but for the file `left_out`, sorted by path, each once. With
+/// upper layers it takes as long as there are changes, not files. What cannot be compared is a
+/// change too.
+std::vector<Change> find_changes(std::vector<Watched> const& directories,
                                  std::filesystem::path const& left_out);
 
 /// The change in lines: one that begins with two blanks and its letter, below it the difference,

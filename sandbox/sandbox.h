@@ -3,37 +3,45 @@
 // A disk that looks as it is and stays as it is, by Linux namespaces and overlays. It holds back
 // accidents and not an attacker: the network, devices and local sockets are reached as ever.
 
-#include <sys/stat.h>
-
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <stdexcept>
+#include <string>
 #include <vector>
+
+#include "sandbox/changes.h"
 
 namespace sandbox {
 
-/// A directory that may change in the sandbox, and only there.
-struct Overlay {
-    std::filesystem::path directory; ///< its path, free of links
-    std::filesystem::path lower;     ///< it as it is on the disk; a path for the sandbox alone
-    std::filesystem::path upper;     ///< what changed in it, likewise
-    struct stat start;               ///< its own status before anything ran
+struct Directories {
+    std::vector<std::filesystem::path> needed; ///< without one of these there is no sandbox
+    std::vector<std::filesystem::path> wanted; ///< these are covered as far as the kernel lets
 };
 
-/// There can be no sandbox, and nothing was run: the cause and the remedy.
+/// What can change in the sandbox.
+struct Inside {
+    std::vector<Watched> directories; ///< parents first
+    /// Of the wanted directories those that cannot change as a whole, each with the mount that is
+    /// in the way.
+    std::map<std::filesystem::path, std::filesystem::path> obstacles;
+};
+
+/// There can be no sandbox, and nothing was run: the cause and, where there is one, the remedy.
 struct Refused : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Runs `work` in a process of its own. What it, and all that it starts, writes below one of the
-/// directories is gone afterwards; everything else is read-only. What it leaves running is ended.
-/// Mounts below the directories are covered as well, and files mounted there stay, read-only; "/"
-/// and what is no directory is passed over.
-/// `work` is given the overlays, parents first, and must not throw.
+/// Throws Refused with what errno says, where `succeeds` is false.
+void require(bool succeeds, std::string const& what);
+
+/// Runs `work` in a process, a session and namespaces of its own. Every directory of the disk can
+/// change there, as far as the kernel lets, and all that was written is gone afterwards; the rest
+/// is read-only. What `work` leaves running is ended. `work` must not throw.
 ///
-/// Returns what `work` returned. Throws Refused, and std::runtime_error where a signal ended it. To
-/// be called once, by a process without threads: it stays in a user namespace afterwards.
-int run(std::vector<std::filesystem::path> const& directories,
-        std::function<int(std::vector<Overlay> const&)> const& work);
+/// Directories that are named and not there are ignored. Returns what `work` returned. Throws
+/// Refused, and std::runtime_error where a signal ended it. To be called once, by a process without
+/// threads: it stays in a user namespace afterwards.
+int run(Directories const& named, std::function<int(Inside const&)> const& work);
 
 } // namespace sandbox

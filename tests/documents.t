@@ -2,14 +2,14 @@ What the program, its manual page, its completion and the README say of each oth
 
   $ root=$TESTDIR/..
   $ PATH=$WB_TRIAL_DIR:$PATH
-  $ options() { grep -oE -- '--[a-z]+( [A-Z=]+)?' | LC_ALL=C sort -u; }
+  $ options() { grep -oE -- '--[a-z][a-z-]+( [A-Z=]+)?' | LC_ALL=C sort -u; }
   $ names() { sed 's/ .*//' | LC_ALL=C sort -u; }
 
   $ mandoc -T lint "$root/docs/wb-trial.1"
 
 The options and their arguments, the exit statuses and the version.
 
-  $ (wb-trial --help && wb-trial run --help) | grep '^  -' | options >options
+  $ (wb-trial --help && wb-trial run --help && wb-trial check --help) | grep '^  -' | options >options
   $ test -s options && names <options >names
   $ sed 's/Fl Fl /--/g; s/ Ns = Ns Ar /=/; s/Ar //' "$root/docs/wb-trial.1" >manual
   $ grep '^\.It --\|^\.It Fl' manual | options | diff options -
@@ -31,8 +31,11 @@ The options and their arguments, the exit statuses and the version.
   >   printf '%s\n' "${COMPREPLY[@]}" | LC_ALL=C sort -u
   > )
   $ completed 'wb-trial run --' | diff names -
+  2d1
+  < --no-sandbox
+  [1]
   $ completed 'wb-trial check --' | diff names -
-  3d2
+  4d3
   < --preview
   [1]
 
@@ -51,13 +54,10 @@ The commands, the actions and the variables.
 
 What is completed where.
 
-  $ completed 'wb-trial --set a=b --writable b --plugin c --trace run '
+  $ completed 'wb-trial --set a=b --plugin c --trace run '
   a.toml
   $ completed 'wb-trial check a.toml '
   
-  $ mkdir folder
-  $ completed 'wb-trial check --writable '
-  folder
   $ completed 'wb-trial check --plugin b'
   b.txt
 

@@ -146,7 +146,7 @@ Bad arguments: one message, status 2, and nothing is run:
   $ site; : >bad.toml; find . | sort >"$TMPDIR/before"
   $ for arguments in '' install 'install absent.toml' 'install workbench' 'install s.toml more' 'run s.toml' \
   >     'run s.toml init_wb_prefs exit' 'install s.toml --set A' \
-  >     'install s.toml --writable .' 'install s.toml --plugin absent.so' 'install s.toml --plugin /lib/*/libm.so.6'; do
+  >     'install s.toml --plugin absent.so' 'install s.toml --plugin /lib/*/libm.so.6'; do
   >     refused $arguments
   > done
   A command, check, install, uninstall or run, is required
@@ -157,7 +157,6 @@ Bad arguments: one message, status 2, and nothing is run:
   ACTION is required
   ACTION: exit not in {detect_wb_in_default_path,validate_wb_path,find_wb_components,perform_integration,perform_deintegration,init_wb_prefs}
   wb-trial: --set "A": write NAME=VALUE
-  wb-trial: --writable is for check and --preview only
   wb-trial: absent.so: the library does not load: ./absent.so: cannot open shared object file: No such file or directory
   wb-trial: /lib/*/libm.so.6: the library exports no detect_wb_in_default_path (glob)
 

@@ -27,7 +27,8 @@ ExitStatus status_or_error(std::function<ExitStatus()> const& work) {
     } catch (StartError const& error) {
         return print(error, not_started);
     } catch (sandbox::Refused const& error) {
-        return print(error, not_started);
+        std::string const advice = "; where the disk may change, use wb-trial check --no-sandbox";
+        return print(StartError(error.what() + advice), not_started);
     } catch (std::exception const& error) {
         return print(error, something_failed);
     }

@@ -5,6 +5,7 @@
 
 #include <csignal>
 
+#include "trial/check.h"
 #include "trial/exit_status.h"
 #include "trial/plugin.h"
 #include "trial/preview.h"
@@ -19,8 +20,8 @@ namespace {
 
 struct Arguments {
     std::string command, session_file, plugin_file;
-    Texts actions, settings, writable;
-    bool trace = false, preview = false;
+    Texts actions, settings;
+    bool trace = false, preview = false, no_sandbox = false;
 };
 
 void declare_options(CLI::App& app, Arguments& arguments) {
@@ -34,8 +35,6 @@ void declare_options(CLI::App& app, Arguments& arguments) {
     };
     add_list("--set", arguments.settings, "NAME=VALUE",
              "Set or override a session variable (repeatable)");
-    add_list("--writable", arguments.writable, "DIR",
-             "Let a check or preview change this directory too (repeatable)");
     app.add_option("--plugin", arguments.plugin_file, "Use this library, not the bundled one")
         ->type_name("FILE");
     app.add_flag("--trace", arguments.trace, "Print every host call on standard error");
@@ -51,7 +50,10 @@ void declare_commands(CLI::App& app, Arguments& arguments) {
         CLI::App* const command = app.add_subcommand(name, help);
         command->add_option("SESSION.toml", arguments.session_file, "The session file")->required();
         command->footer("The options of wb-trial itself may stand here too, see wb-trial --help.");
-        if (name != std::string("check"))
+        if (name == std::string("check"))
+            command->add_flag("--no-sandbox", arguments.no_sandbox,
+                              "Change the real disk, of a machine that is thrown away");
+        else
             command->add_flag("--preview", arguments.preview,
                               "Run it in a sandbox and show what would change; nothing does");
     }
@@ -62,8 +64,6 @@ void declare_commands(CLI::App& app, Arguments& arguments) {
 }
 
 void fill(installer::Session& session, Arguments const& arguments) {
-    if (!arguments.writable.empty() && !arguments.preview && arguments.command != "check")
-        throw StartError("--writable is for check and --preview only");
     read_session_file(arguments.session_file, session);
     for (std::string const& setting : arguments.settings) {
         std::size_t const name_size = setting.find('=');
@@ -87,7 +87,9 @@ ExitStatus execute(Arguments const& arguments) {
     Sequence sequence(host, plugin);
 
     std::string const& command = arguments.command;
-    if (command == "check") return check(host.session, arguments.writable, sequence);
+    if (command == "check")
+        return arguments.no_sandbox ? check_without_sandbox(host.session, sequence)
+                                    : check(host.session, sequence);
     auto const work = [&] {
         if (command == "install") return sequence.install();
         if (command == "uninstall") return sequence.call("perform_deintegration");
@@ -97,7 +99,7 @@ ExitStatus execute(Arguments const& arguments) {
         return has_succeeded;
     };
     std::string const title = "changed by the " + (command == "run" ? "actions" : command);
-    if (arguments.preview) return preview(host.session, arguments.writable, title, work);
+    if (arguments.preview) return preview(host.session, title, work);
     return status_of(work());
 }
 

@@ -1,21 +1,17 @@
 #include "trial/preview.h"
 
-#include <unistd.h>
-
 #include <cstdlib>
 #include <iostream>
-#include <map>
 #include <sstream>
 
 #include "installer/files.h"
-#include "sandbox/changes.h"
-#include "trial/exit_status.h"
+#include "installer/show.h"
+#include "sandbox/processes.h"
+#include "sandbox/sandbox.h"
 
 namespace fs = std::filesystem;
-using installer::normalised;
 using installer::printable;
 using installer::Session;
-using installer::show;
 using sandbox::Change;
 
 namespace trial {
@@ -27,123 +23,94 @@ std::string environment(char const* name, std::string const& otherwise) {
     return value && *value ? value : otherwise;
 }
 
-/// That of the product alone, also where it is installed below "/".
-std::string product_directory(Session const& session) {
-    std::string const directory = session.value("VORN_INSTALL_DIR");
-    return normalised(directory).size() > 1 ? directory
-                                            : directory + session.value("VORN_INSTALL_SUBDIR");
+/// The folder that a log makes a file in or changes one in; nothing where it is a device or a pipe.
+fs::path log_folder(fs::path const& log) {
+    std::error_code absent;
+    bool const is_file = log.parent_path() != "/dev" && !fs::is_other(log, absent);
+    return is_file ? log.parent_path() : fs::path();
 }
 
-/// What an install or uninstall is expected to change.
-std::vector<fs::path> changing_directories(Session const& session) {
-    std::string const log = session.value("log_file");
-    std::vector<fs::path> directories = {session.value("WB_INTEGRATION_PATH"),
-                                         session.value("VORN_INSTALL_DIR"),
-                                         product_directory(session),
-                                         log.empty() ? ""
-                                                     : (fs::current_path() / log).parent_path(),
-                                         environment("HOME", ""),
-                                         environment("TMPDIR", "/tmp"),
-                                         "/var/tmp"};
-    std::istringstream search_path(session.value("DEFAULT_SEARCH_PATH"));
-    for (std::string name; std::getline(search_path, name, ' ');) directories.emplace_back(name);
-    return directories;
-}
-
-/// Prints below a title what is not as it is on the disk, but for the log, and returns it.
-using ShowChanges = std::function<std::vector<Change>(std::string const& title)>;
-
-ExitStatus run_in_sandbox(Session const& session, std::vector<std::string> const& writable,
-                          std::function<bool(ShowChanges const&)> const& work) {
-    std::error_code unreachable;
-    std::string const log = fs::weakly_canonical(session.value("log_file"), unreachable);
-    auto const run_and_report = [&](std::vector<sandbox::Overlay> const& overlays) -> int {
-        return status_or_error([&] {
-            bool const has_succeeded = work([&](std::string const& title) {
-                std::cout << title << ":\n";
-                std::vector<Change> changes = sandbox::find_changes(overlays, log);
-                if (changes.empty()) std::cout << "  nothing\n";
-                for (Change const& change : changes)
-                    for (std::string const& line : sandbox::described(change))
-                        std::cout << printable(line, "\t") << '\n';
-                return changes;
-            });
-            std::cout << "Nothing on the disk was changed.\n";
-            return status_of(has_succeeded);
-        });
-    };
-    try {
-        std::vector<fs::path> directories = changing_directories(session);
-        for (std::string const& name : writable) {
-            directories.emplace_back(name);
-            bool const can_be_covered = access((name + "/.").c_str(), R_OK | X_OK) == 0;
-            if (!can_be_covered || fs::canonical(name) == "/")
-                throw StartError("--writable " + show(name) + ": no directory that can be covered");
-        }
-        std::cout.flush();
-        return ExitStatus(sandbox::run(directories, run_and_report));
-    } catch (fs::filesystem_error const& error) {
-        throw StartError(error.what());
+/// Says what cannot change, and names the commands a temporary directory that can.
+void adapt_to(sandbox::Inside const& inside, std::string const& temporary) {
+    for (auto const& [directory, mount] : inside.obstacles)
+        std::cout << "note: " << printable(directory.string())
+                  << " cannot change as a whole here, because of the mount at "
+                  << printable(mount.string()) << '\n';
+    for (std::string const& name : {temporary, std::string("/tmp"), std::string("/var/tmp"),
+                                    std::string("/dev/shm"), environment("HOME", "/")}) {
+        std::error_code absent;
+        if (!fs::is_directory(name, absent) || inside.obstacles.count(fs::canonical(name)) != 0)
+            continue;
+        setenv("TMPDIR", name.c_str(), 1);
+        return;
     }
-}
-
-bool lies_in(std::string const& path, fs::path const& directory) {
-    return !directory.empty() && (path + "/").rfind(directory / "", 0) == 0;
-}
-
-/// Judges what an uninstall left. What it leaves in the product is by design.
-bool is_undone(std::vector<Change> const& changes, fs::path const& workbench,
-               fs::path const& product) {
-    bool is_workbench_changed = false, is_other_changed = false;
-    for (Change const& change : changes) {
-        bool const is_in_product = lies_in(change.path, product);
-        bool const is_in_workbench =
-            lies_in(change.path, workbench) &&
-            !(is_in_product && product != workbench && lies_in(product, workbench));
-        is_workbench_changed |= is_in_workbench;
-        is_other_changed |= !is_in_workbench && !is_in_product;
-    }
-    if (is_workbench_changed) std::cout << "failed: the uninstall leaves the workbench changed\n";
-    else if (!workbench.empty()) std::cout << "The workbench is as it was.\n";
-    if (is_other_changed)
-        std::cout << "failed: the uninstall leaves changes beside the workbench and the product\n";
-    return !is_workbench_changed && !is_other_changed;
 }
 
 } // namespace
 
-ExitStatus preview(Session const& session, std::vector<std::string> const& writable,
-                   std::string const& title, std::function<bool()> const& work) {
-    return run_in_sandbox(session, writable, [&](ShowChanges const& show_changes) {
-        bool const has_succeeded = work();
-        show_changes(title);
-        return has_succeeded;
-    });
+std::vector<Change> ChangeReport::show(std::string const& title) const {
+    std::cout << title << ":\n";
+    std::vector<Change> changes = sandbox::find_changes(directories_, log_);
+    if (changes.empty()) std::cout << "  nothing\n";
+    for (Change const& change : changes)
+        for (std::string const& line : sandbox::described(change))
+            std::cout << printable(line, "\t") << '\n';
+    return changes;
 }
 
-ExitStatus check(Session const& session, std::vector<std::string> const& writable,
-                 Sequence& sequence) {
-    return run_in_sandbox(session, writable, [&](ShowChanges const& show_changes) {
-        std::map<fs::path, fs::path> places; // before a script can move them away
-        std::error_code unreachable;
-        for (fs::path const& directory : changing_directories(session))
-            places[directory] = fs::weakly_canonical(directory, unreachable);
-        bool has_succeeded = sequence.install();
-        std::vector<Change> changes = show_changes("changed by the install");
-        if (sequence.has_integrated()) {
-            has_succeeded = sequence.call("perform_deintegration") && has_succeeded;
-            changes = show_changes("left by the uninstall");
-        } else {
-            std::cout << "The uninstall was not tried, for nothing was integrated.\n";
-        }
-        if (!has_succeeded) std::cout << "failed: the install or the uninstall, as told above\n";
-        fs::path const& workbench = places[session.value("WB_INTEGRATION_PATH")];
-        fs::path const& product = places[product_directory(session)];
-        if (!sequence.has_integrated_again())
-            return is_undone(changes, workbench, product) && has_succeeded;
-        std::cout << "failed: the workbench holds an earlier integration already, so this cannot "
-                     "tell whether one is undone; uninstall first, then check again\n";
-        return false;
+fs::path workbench_directory(Session const& session) {
+    std::string const choice = session.value("WB_INTEGRATION_PATH");
+    if (!choice.empty()) return choice;
+    std::istringstream search_path(session.value("DEFAULT_SEARCH_PATH"));
+    std::error_code absent;
+    for (std::string name; std::getline(search_path, name, ' ');)
+        if (fs::is_regular_file(name + "/install.properties", absent)) return name;
+    return "";
+}
+
+fs::path product_directory(Session const& session) {
+    std::string const directory = session.value("VORN_INSTALL_DIR");
+    bool const is_root = installer::normalised(directory).size() <= 1;
+    return is_root ? directory + session.value("VORN_INSTALL_SUBDIR") : directory;
+}
+
+fs::path log_file(Session const& session) {
+    std::string const name = session.value("log_file");
+    if (name.empty()) return "";
+    std::error_code unreachable;
+    fs::path log = fs::absolute(name);
+    for (int links = 0; links < 40 && fs::is_symlink(log, unreachable); ++links)
+        log = log.parent_path() / fs::read_symlink(log);
+    return fs::weakly_canonical(log, unreachable);
+}
+
+ExitStatus run_in_sandbox(Session const& session,
+                          std::function<bool(ChangeReport const&)> const& work) {
+    fs::path const log = log_file(session);
+    std::string const temporary = environment("TMPDIR", "/tmp");
+    sandbox::Directories const named = {
+        {workbench_directory(session), product_directory(session), log_folder(log)},
+        {environment("HOME", ""), temporary, "/tmp", "/var/tmp", "/dev/shm"}};
+    auto const run_and_report = [&](sandbox::Inside const& inside) -> int {
+        return status_or_error([&] {
+            adapt_to(inside, temporary);
+            bool const has_succeeded = work(ChangeReport(inside.directories, log));
+            std::cout << "Nothing on the disk was changed.\n";
+            return status_of(has_succeeded);
+        });
+    };
+    std::cout.flush();
+    return ExitStatus(sandbox::run(named, run_and_report));
+}
+
+ExitStatus preview(Session const& session, std::string const& title,
+                   std::function<bool()> const& work) {
+    return run_in_sandbox(session, [&](ChangeReport const& report) {
+        bool const has_succeeded = work();
+        report.show(title);
+        for (std::string const& process : sandbox::left_running())
+            std::cout << "note: still running: " << printable(process) << '\n';
+        return has_succeeded;
     });
 }
 

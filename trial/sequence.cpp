@@ -1,9 +1,5 @@
 #include "trial/sequence.h"
 
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 #include <iostream>
 #include <sstream>
 
@@ -30,16 +26,6 @@ std::string explanation(std::string const& path_status, std::string const& workb
                " holds a workbench of none of the versions in SUPPORTED_VERSION; "
                "each there has to be ended by \";\", and stand behind name= in install.properties";
     return show(workbench) + " holds a workbench that the installation cannot write into";
-}
-
-/// An ordinary user's sandbox refuses some writes that the disk would not.
-void note_foreign_files(Outcome& outcome) {
-    std::string said = outcome.output;
-    for (std::string const& failure : outcome.failures) said += failure;
-    if (geteuid() != 0 && said.find(std::strerror(EOVERFLOW)) != std::string::npos)
-        outcome.notes.emplace_back(
-            "an ordinary user's preview cannot change what belongs to another "
-            "owner or group; this may be its limit, not the product's fault");
 }
 
 void print(Session const& session, Outcome const& outcome) {
@@ -95,7 +81,6 @@ bool Sequence::call(std::string const& action) {
     if (is_undo) check_is_removed(earlier_copy, outcome);
     if (!outcome.copy.empty()) check_undo_is_possible(host_.session, earlier_copy, outcome);
     if (result == -1) outcome.fail("no configuration is listed, or the workbench is no directory");
-    note_foreign_files(outcome);
     remember(outcome);
     print(host_.session, outcome);
     return result == 0 && outcome.failures.empty();

@@ -1,0 +1,30 @@
+#pragma once
+
+// The rights of this process and of what it runs. Failures throw Refused.
+
+#include <set>
+
+namespace sandbox {
+
+/// Whether this process can do without a user namespace, as root can who is not confined.
+bool has_rights_of_root();
+
+/// What nothing in the sandbox may have: what this process lets nobody have now, and what leads
+/// out.
+std::set<int> forbidden_capabilities();
+
+/// Takes them from all that is run. An ordinary user's process itself keeps only what ReadingRights
+/// needs, of which what it runs inherits nothing.
+void drop_capabilities(std::set<int> const& forbidden, bool is_root);
+
+/// While it lives, an ordinary user's process in the sandbox can look into what that user has
+/// closed.
+class ReadingRights {
+  public:
+    ReadingRights();
+    ~ReadingRights();
+    ReadingRights(ReadingRights const&) = delete;
+    ReadingRights& operator=(ReadingRights const&) = delete;
+};
+
+} // namespace sandbox

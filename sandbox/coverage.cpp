@@ -1,0 +1,131 @@
+#include "sandbox/coverage.h"
+
+#include <fcntl.h>
+#include <libmount/libmount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <memory>
+#include <string>
+
+#include "sandbox/sandbox.h"
+
+namespace fs = std::filesystem;
+
+namespace sandbox {
+
+namespace {
+
+/// Whether no other mount hides the one with this number. Neither asks a server nor mounts
+/// anything.
+bool is_visible(char const* place, int number) {
+    struct statx status {};
+    int const flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
+    return statx(AT_FDCWD, place, flags, 0, &status) == 0 &&
+           status.stx_mnt_id == static_cast<unsigned>(number);
+}
+
+bool is_kernels_own(fs::path const& directory) {
+    for (char const* const name : {"/proc", "/sys", "/dev", "/run"})
+        if (directory == name) return true;
+    return false;
+}
+
+/// Whether all directories from below `outer` down to `directory` are this user's own. An ordinary
+/// user's overlay cannot change what lies below one that is not.
+bool is_own_down_to(fs::path const& directory, fs::path const& outer) {
+    for (fs::path step = directory; step != outer; step = step.parent_path()) {
+        struct stat status {};
+        bool const is_own = stat(step.c_str(), &status) == 0 && status.st_uid == geteuid() &&
+                            status.st_gid == getegid();
+        if (!is_own) return false;
+    }
+    return true;
+}
+
+class Plan {
+  public:
+    explicit Plan(bool is_root) : is_root_(is_root) { read_mounts(); }
+
+    void cover(fs::path const& directory) {
+        if (access(directory.c_str(), R_OK | X_OK) != 0) return;
+        if (is_root_ || first_below(coverage_.mounts, directory).empty())
+            coverage_.directories.insert(directory);
+        else cover_inside(directory);
+    }
+
+    void cover_inside(fs::path const& directory) {
+        for (fs::directory_entry const& entry : fs::directory_iterator(directory)) {
+            bool const is_left_out =
+                entry.is_symlink() || automounts_.count(entry) != 0 || is_kernels_own(entry);
+            if (!is_left_out && entry.is_directory()) cover(entry);
+        }
+    }
+
+    void cover_mounts() {
+        std::error_code unreachable;
+        for (fs::path const& mount : coverage_.mounts)
+            if (!nearest_above(coverage_.directories, mount).empty() &&
+                automounts_.count(mount) == 0 && fs::is_directory(mount, unreachable))
+                cover(mount);
+    }
+
+    /// One that lies in another has an overlay of its own where the other's cannot change it.
+    void cover_named(fs::path const& name) {
+        std::error_code absent;
+        fs::path const directory = fs::canonical(name, absent);
+        if (absent || !fs::is_directory(directory) || directory == "/") return;
+        fs::path const outer = nearest_above(coverage_.directories, directory);
+        if (outer.empty() || (!is_root_ && !is_own_down_to(directory, outer))) cover(directory);
+    }
+
+    Coverage const& coverage() const { return coverage_; }
+
+  private:
+    void read_mounts() {
+        std::unique_ptr<libmnt_table, void (*)(libmnt_table*)> const table(
+            mnt_new_table_from_file("/proc/self/mountinfo"), mnt_unref_table);
+        if (!table) throw Refused("there can be no sandbox: /proc/self/mountinfo cannot be read");
+        std::unique_ptr<libmnt_iter, void (*)(libmnt_iter*)> const position(
+            mnt_new_iter(MNT_ITER_FORWARD), mnt_free_iter);
+        libmnt_fs* mount = nullptr;
+        while (mnt_table_next_fs(table.get(), position.get(), &mount) == 0) {
+            char const* const place = mnt_fs_get_target(mount);
+            if (!is_visible(place, mnt_fs_get_id(mount))) continue;
+            coverage_.mounts.insert(place);
+            if (mnt_fs_get_fstype(mount) == std::string("autofs")) automounts_.insert(place);
+        }
+    }
+
+    Coverage coverage_;
+    std::set<fs::path> automounts_; ///< of the mounts; these are not to be triggered
+    bool is_root_;
+};
+
+} // namespace
+
+bool lies_below(fs::path const& path, fs::path const& directory) {
+    return path != directory && *path.lexically_relative(directory).begin() != "..";
+}
+
+fs::path first_below(std::set<fs::path> const& paths, fs::path const& directory) {
+    auto const next = paths.upper_bound(directory); // what lies in it comes right behind it
+    return next != paths.end() && lies_below(*next, directory) ? *next : fs::path();
+}
+
+fs::path nearest_above(std::set<fs::path> const& paths, fs::path const& directory) {
+    for (fs::path step = directory; step != "/"; step = step.parent_path())
+        if (paths.count(step) != 0) return step;
+    return {};
+}
+
+Coverage plan_coverage(std::vector<fs::path> const& named, bool is_root) {
+    Plan plan(is_root);
+    plan.cover_inside("/");
+    for (fs::path const& name : std::set<fs::path>(named.begin(), named.end()))
+        plan.cover_named(name);
+    plan.cover_mounts();
+    return plan.coverage();
+}
+
+} // namespace sandbox

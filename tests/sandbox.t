@@ -1,0 +1,205 @@
+In a sandbox everything may change, as far as the kernel lets, and nothing of it is left.
+
+  $ . "$TESTDIR/site.sh"
+  $ . "$TESTDIR/users.sh"
+  $ [ "$users" ] || exit 80
+
+What changed is shown; what was only touched is not:
+
+  $ lay 'touch touched; chmod 600 binary; echo >>binary; ln -sfn dir link; mkdir new; echo >new/1; ln -s absent new/link
+  > rm -r dir; mkdir dir; touch dir/other; rm install.properties; mkdir install.properties; seq 40 60 >text
+  > echo >"dir
+  > x"; head -c 6291456 /dev/zero >large; head -c 400 /dev/zero | tr "\0" x >long; echo >same; mkdir closed; chmod 000 closed'
+  $ seq 30 >workbench/text; printf '1\0' >workbench/binary; ln -s tex workbench/link; touch workbench/touched
+  $ head -c 5242880 /dev/zero >workbench/large; head -c 2048 /dev/zero >workbench/same; echo >workbench/long
+  $ try install --preview | changes
+  changed by the install:
+    M ./workbench/binary (mode 0644 -> 0600, content 2 B -> 3 B)
+    A ./workbench/closed/ (0 files, 0 B)
+    A ./workbench/dir\nx
+    D ./workbench/dir/file
+    T ./workbench/install.properties/ (0 files, 0 B)
+    M ./workbench/large (content 5.0 MiB -> 6.0 MiB)
+    M ./workbench/link (link tex -> dir)
+    M ./workbench/long
+        @@ -1 +1 @@
+        -
+        +xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx
+        \ No newline at end of file
+    A ./workbench/new/ (2 files, 1 B)
+    M ./workbench/same (content 2.0 KiB -> 1 B)
+    M ./workbench/text
+        @@ -1,30 +1,21 @@
+        -1
+        -2
+        -3
+        -4
+        -5
+        -6
+        -7
+        -8
+        -9
+        -10
+        -11
+        -12
+        -13
+        -14
+        -15
+        -16
+        -17
+        -18
+        -19
+        32 more lines
+    A ./workbench/wr-qev-1.0a/ (2 files, 409 B)
+  Nothing on the disk was changed.
+  status 0
+  $ lay :; integrate >/dev/null; chmod a-x workbench/*/*/u*; try uninstall --preview | tail -n 1
+  status 1
+
+Processes in it. What a setup script finds and does, and what becomes of the check:
+
+  $ in_sandbox() {
+  >     lay "$@"
+  >     try check | sed -n '/^    /p; /^failed\|^wb-trial\|^status/p'
+  > }
+  $ in_sandbox 'kill -9 -1'
+  wb-trial: signal 9 ended the sandbox
+  status 1
+  $ in_sandbox "trap 'kill 0' EXIT"
+  failed: the install or the uninstall, as told above
+  status 1
+  $ in_sandbox 'cut -d " " -f 6 /proc/self/stat; cat /proc/1/comm; readlink /proc/[12]/exe /proc/[12]/fd/*'
+      2
+      wb-trial
+  failed: the install or the uninstall, as told above
+  status 1
+  $ in_sandbox 'ls -d /proc/[0-9]* | wc -w; mknod device b 8 1 || unshare -m true'
+      6
+      mknod: device: Operation not permitted
+      unshare: unshare failed: Operation not permitted
+  failed: the install or the uninstall, as told above
+  status 1
+  $ in_sandbox 'sleep 99 >/dev/null 2>&1 &'
+  failed: still running after the uninstall: sleep 99
+  failed: the install or the uninstall, as told above
+  status 1
+  $ lay 'sleep 98 >/dev/null 2>&1 &'
+  $ try install --preview | grep still
+  note: still running: sleep 98
+  $ queue=$(ipcmk -Q | tr -dc 0-9)
+  $ in_sandbox 'ipcrm -a; ipcs -q | wc -l'
+      4
+  status 0
+  $ ipcrm -q "$queue"
+
+It ends with wb-trial, and wb-trial by the signal that ends it:
+
+  $ lay 'exec 9<lock; flock -n 9; touch "$HOME/../begun"; sleep 99'
+  $ touch workbench/lock; chmod 777 "$CRAMTMP"
+  $ for signal in KILL TERM INT; do
+  >     mkfifo said
+  >     env --default-signal=INT wb-trial check s.toml --set WB_INTEGRATION_PATH=workbench >said &
+  >     grep -q runs: said; sleep 0.2
+  >     kill -$signal $!; wait $!; echo $?
+  >     flock -w 5 workbench/lock echo ended
+  >     rm said
+  > done 2>/dev/null
+  137
+  ended
+  143
+  ended
+  130
+  ended
+
+Where upper layers lie on the disk, as before Linux 6.6, nothing of them stays; what was left behind is
+removed, and what is in use is not:
+
+  $ left=/var/tmp/wb-trial-sandbox-left00 used=/var/tmp/wb-trial-sandbox-used00
+  $ mkdir -p $left/1-work/work $used; chmod 000 $left/1-work/work
+  $ exec 8<$used; flock 8
+  $ lay 'mkdir x; echo >x/y' 'rm -r x'
+  $ export WB_TRIAL_SCRATCH=1
+  $ try check | verdict
+  The workbench is as it was. status 0
+  $ ls -d /var/tmp/wb-trial-sandbox-*
+  /var/tmp/wb-trial-sandbox-used00
+  $ unset WB_TRIAL_SCRATCH; rmdir $used; exec 8<&-
+
+The log is no change, wherever it lies:
+
+  $ logging() {
+  >     lay :; mkdir logs; ln -s ../logs/absent workbench/dangling; : >logs/old; ln -s logs/old link
+  >     try check --set log_file="$1" | verdict
+  > }
+  $ for log in /dev/null install.log ./install.log logs/new link workbench/dangling ''; do
+  >     logging "$log" | sed "s|^|'$log' |"
+  > done
+  '/dev/null' The workbench is as it was. status 0
+  'install.log' The workbench is as it was. status 0
+  './install.log' The workbench is as it was. status 0
+  'logs/new' The workbench is as it was. status 0
+  'link' The workbench is as it was. status 0
+  'workbench/dangling' The workbench is as it was. status 0
+  '' The workbench is as it was. status 0
+
+The directories are what they are outside: a default ACL, a link as workbench, an odd name, others' folders:
+
+  $ lay 'echo >x; stat -c %a x; rm x'
+  $ setfacl -d -m o::- workbench
+  $ try check | sed -n '/^    /p; /^The\|^failed/p'
+      640
+  The workbench is as it was.
+  $ lay 'echo >x'; ln -s workbench link; workbench=link
+  $ try check | changes | grep -e /x -e workbench
+    A ./workbench/wr-qev-1.0a/ (2 files, 68 B)
+    A ./workbench/x
+    A ./workbench/x
+  failed: the uninstall leaves the workbench changed
+  $ lay 'echo >x'; workbench=$TMPDIR/$'a,b:c\\d"e\'\n f'; mv workbench "$workbench"
+  $ try check | grep /x
+    A ../t/a,b:c\d"e'\n f/x
+    A ../t/a,b:c\d"e'\n f/x
+  $ lay 'mkdir "$TMPDIR/x"; echo >"$HOME/x"; echo >/var/tmp/x.wb-trial; echo >/dev/shm/x.wb-trial'
+  $ try check | changes | sed '1,/^left/d'
+    A /dev/shm/x.wb-trial
+    A ../home/x
+    A ../t/x/ (0 files, 0 B)
+    A /var/tmp/x.wb-trial
+  The workbench is as it was.
+  failed: the uninstall leaves changes beside the workbench and the product
+  Nothing on the disk was changed.
+  status 1
+
+A mount in the home or the temporary directory keeps that from changing, and nothing else:
+
+  $ lay 'echo "$TMPDIR"; echo >"$HOME/file"'
+  $ mkdir "$HOME/share" "$TMPDIR/mount"
+  $ within=(unshare -Urm sh -c 'mount -t tmpfs x "$HOME/share"; mount -t tmpfs x "$TMPDIR/mount"; exec "$@"' -)
+  $ try check | grep -e '^note: .*mount' -e '^    ' -e ^The
+  note: /tmp cannot change as a whole here, because of the mount at ../home/share
+  note: ../home cannot change as a whole here, because of the mount at ../home/share
+  note: ../t cannot change as a whole here, because of the mount at ../t/mount
+      /var/tmp
+      workbench/wr-qev-1.0a/wr-setup/setup.sh: 3: cannot create ../home/file: Read-only file system
+  The workbench is as it was.
+  $ rmdir "$HOME/share" "$TMPDIR/mount"
+
+Where there can be no sandbox, nothing is run:
+
+  $ refused() {
+  >     lay 'echo run'
+  >     mkdir workbench/dir/mount
+  >     within=("$@")
+  >     try check --set log_file= | sed 's/; where the disk may change, use wb-trial check --no-sandbox$//'
+  > }
+  $ refused unshare -Urm sh -c 'mount -t tmpfs x workbench/dir/mount; exec "$@"' -
+  wb-trial: there can be no sandbox: ./workbench cannot be covered, because of the mount at ./workbench/dir/mount
+  status 2
+  $ refused unshare -Ur sh -c 'echo 0 >/proc/sys/user/max_user_namespaces; exec "$@"' -
+  wb-trial: there can be no sandbox: unshare: No space left on device; user.max_user_namespaces is 0; change it with sysctl, or run as root
+  status 2
+  $ refused prlimit --nofile=10 | sed 's/open .*: T/open ...: T/'
+  wb-trial: there can be no sandbox: open ...: Too many open files
+  status 2
+  wb-trial: there can be no sandbox: open ...: Too many open files
+  status 2

@@ -1,0 +1,96 @@
+What only root can have tried of a sandbox: mounts, other owners, rights.
+
+  $ [ "$(id -u)" -eq 0 ] && unshare -m true 2>/dev/null || exit 80
+  $ . "$TESTDIR/site.sh"
+  $ . "$TESTDIR/users.sh"
+
+The whole disk may change, and what a script changes beside workbench and product is a failure:
+
+  $ lay 'for place in /etc /opt /usr/share /root; do echo >$place/x.wb-trial; done' 'rm /opt/x.wb-trial'
+  $ users=0 try check | changes | sed '1,/^left/d'
+    A /etc/x.wb-trial
+    A /root/x.wb-trial
+    A /usr/share/x.wb-trial
+  The workbench is as it was.
+  failed: the uninstall leaves changes beside the workbench and the product
+  Nothing on the disk was changed.
+  status 1
+
+Owner, group and device:
+
+  $ lay 'chown 1:2 dir/file; chgrp 3 .'
+  $ users=0 try check | changes | sed '1,/^left/d; /^The\|^failed/,$d'
+    M ./workbench/ (group 0 -> 3)
+    M ./workbench/dir/file (owner 0 -> 1, group 0 -> 2)
+  $ lay 'rm dir/zero; mknod dir/zero c 1 5'; mknod workbench/dir/zero c 1 3
+  $ wb check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench | grep zero
+    M ./workbench/dir/zero (device 1:3 -> 1:5)
+    M ./workbench/dir/zero (device 1:3 -> 1:5)
+  [1]
+
+Mounts in the workbench. Their flags hold; what can have no overlay stays as it is; one that is hidden
+stays hidden:
+
+  $ mounted() {
+  >     within=(unshare -m sh -c "$1"' || exit; exec "$@"' -)
+  >     users=0 try check | sed -n '/^    /p; /^The\|^failed\|^wb/p'
+  > }
+  $ lay 'echo >dir/x && rm dir/x && cat dir/inner/name'
+  $ mounted 'mount -t tmpfs a workbench/dir; mkdir workbench/dir/inner; mount -t tmpfs b workbench/dir/inner; echo b >workbench/dir/inner/name'
+      b
+  The workbench is as it was.
+  $ mounted 'mount -t tmpfs a workbench/dir; mkdir workbench/dir/inner; mount -t tmpfs b workbench/dir; mkdir workbench/dir/inner; echo c >workbench/dir/inner/name'
+      c
+  The workbench is as it was.
+  $ lay 'echo >dir/x'
+  $ mounted 'mount -t tmpfs -o ro a workbench/dir'
+      workbench/wr-qev-1.0a/wr-setup/setup.sh: 3: cannot create dir/x: Read-only file system
+  failed: the install or the uninstall, as told above
+  The workbench is as it was.
+  $ lay 'echo "#!/bin/sh" >dir/x; chmod +x dir/x; dir/x'
+  $ mounted 'mount -t tmpfs -o noexec a workbench/dir'
+      workbench/wr-qev-1.0a/wr-setup/setup.sh: 3: dir/x: Permission denied
+  failed: the install or the uninstall, as told above
+  failed: the uninstall leaves the workbench changed
+  $ lay 'test -e dir/self && ! echo >dir/x'
+  $ mounted 'mount -t proc a workbench/dir'
+      workbench/wr-qev-1.0a/wr-setup/setup.sh: 3: cannot create dir/x: Directory nonexistent
+  The workbench is as it was.
+  $ lay 'for file in dir/file ~/file; do grep -q SUPPORTED $file && ! echo >$file || exit; done'
+  $ touch "$HOME/file"
+  $ mounted 'for file in workbench/dir/file ~/file; do mount --bind s.toml $file; done'
+      workbench/wr-qev-1.0a/wr-setup/setup.sh: 3: cannot create dir/file: Read-only file system
+      workbench/wr-qev-1.0a/wr-setup/setup.sh: 3: cannot create ../home/file: Read-only file system
+  The workbench is as it was.
+  $ rm "$HOME/file"
+  $ lay :
+  $ mounted 'mount -t proc a workbench/dir; mount --move workbench/dir workbench'
+  wb-trial: there can be no sandbox: ./workbench cannot be covered, because of the mount at ./workbench; where the disk may change, use wb-trial check --no-sandbox
+
+Root whose rights are confined stays confined:
+
+  $ lay 'echo $((0x$(sed -n "s/CapBnd:.//p" /proc/self/status) & 1))'
+  $ within=(setpriv --bounding-set=-chown); users=0 try check | grep '^    [01]'
+      0
+
+An ordinary user. What belongs to a further group of theirs could change outside and not here:
+
+  $ ordinary() {
+  >     setpriv --reuid=4711 --regid=4711 --groups=4711,4712 wb-trial "$@" 2>&1
+  >     echo "status $?"
+  > }
+  $ lay 'echo >x' 'rm x'; own 4711; chgrp 4712 workbench; chmod 775 workbench
+  $ ordinary check s.toml --set WB_INTEGRATION_PATH="$PWD/workbench" | sed "s|$PWD|.|g"
+  wb-trial: there can be no sandbox: ./workbench cannot change in one: it belongs to the group 4712, which is not your first one; run it in sg 4712 -c '...', or as root; where the disk may change, use wb-trial check --no-sandbox
+  status 2
+  $ chmod 755 workbench; chown 0 workbench
+  $ ordinary check s.toml --set WB_INTEGRATION_PATH=workbench | grep -e PATH_STATUS -e ^status
+    PATH_STATUS = "notwritable"
+  status 1
+  $ lay 'echo >x' 'rm x'; own 4711; mkdir -m 755 others; mv workbench others; chown 12345:12345 others
+  $ ordinary check s.toml --set WB_INTEGRATION_PATH=others/workbench | verdict
+  The workbench is as it was. status 0
+  $ mkdir -m 700 closed; cd closed
+  $ ordinary check "$OLDPWD/s.toml" --set WB_INTEGRATION_PATH=/absent | sed "s|$OLDPWD|.|g"
+  wb-trial: there can be no sandbox: enter the working directory ./closed: Permission denied; where the disk may change, use wb-trial check --no-sandbox
+  status 2

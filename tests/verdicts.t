@@ -1,0 +1,73 @@
+A check says the same of a product with and without a sandbox, to root and to an ordinary user.
+
+  $ . "$TESTDIR/site.sh"
+  $ . "$TESTDIR/users.sh"
+
+What a check without a sandbox says first and last. It leaves what it did, and no copies:
+
+  $ lay 'echo >x'
+  $ wb check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench | sed -n '1p; /^left/,$p'
+  The disk changes: this check really installs and uninstalls.
+  left by the uninstall:
+    A ./product/suite/vorn/wb_deintegrate.sh
+    A ./workbench/x
+  failed: the uninstall leaves the workbench changed
+  What the last list shows is left on the disk. Nothing beside the workbench and the product was compared.
+  [1]
+  $ ls workbench; ls "$TMPDIR"
+  dir
+  install.properties
+  x
+
+Setup script, uninstall script, verdict:
+
+  $ both_ways 'mkdir x; echo >x/y' 'rm -r x'
+  The workbench is as it was. status 0
+  $ both_ways 'chmod 700 . dir' 'chmod 755 . dir; rm dir/file; touch dir/file'
+  The workbench is as it was. status 0
+  $ both_ways 'chmod 600 dir' 'chmod 700 dir; chmod 755 dir'
+  The workbench is as it was. status 0
+  $ both_ways 'echo >>install.properties' 'exit 3'
+  failed: the uninstall leaves the workbench changed status 1
+  $ both_ways 'echo nane=3.1 >install.properties' :
+  failed: the uninstall leaves the workbench changed status 1
+  $ both_ways 'chmod 4755 dir/file' 'chmod 755 dir/file; chmod 644 dir/file'
+  The workbench is as it was. status 0
+  $ both_ways 'chmod g+s dir; chmod +t dir' :
+  failed: the uninstall leaves the workbench changed status 1
+  $ both_ways 'setfattr -n user.color -v red dir/file' :
+  failed: the uninstall leaves the workbench changed status 1
+  $ both_ways 'setfattr -n user.color -v red .' 'setfattr -x user.color .'
+  The workbench is as it was. status 0
+  $ both_ways 'ln -s dir link' 'ln -sfn die link'
+  failed: the uninstall leaves the workbench changed status 1
+  $ both_ways 'rm -r dir; ln -s x dir' :
+  failed: the uninstall leaves the workbench changed status 1
+  $ both_ways : 'rm -r dir install.properties'
+  failed: the uninstall leaves the workbench changed status 1
+  $ both_ways : 'mkdir -p wr-qev-1.0a/x; chmod 000 wr-qev-1.0a/x'
+  The workbench is as it was. status 0
+  $ both_ways 'mkdir new; chmod 000 new' :
+  failed: the uninstall leaves the workbench changed status 1
+  $ both_ways 'echo >../product/x' :
+  The workbench is as it was. status 0
+  $ both_ways '(sleep 99 & echo $! >p) >/dev/null 2>&1' 'kill $(cat p); while kill -0 $(cat p) 2>/dev/null; do sleep 0.01; done; rm p'
+  The workbench is as it was. status 0
+  $ both_ways 'sleep 9 >/dev/null 2>&1 &' :
+  failed: the install or the uninstall, as told above The workbench is as it was. status 1
+  $ both_ways 'exit 7' :
+  failed: the install or the uninstall, as told above The workbench is as it was. status 1
+  $ both_ways 'kill -9 $PPID' :
+  failed: the install or the uninstall, as told above The workbench is as it was. status 1
+
+An earlier integration leaves no verdict; an empty directory of that name is none:
+
+  $ both_ways : 'mkdir wr-qev-1.0a'
+  The workbench is as it was. status 0
+  $ lay :; mkdir "$copy"; try check | verdict
+  failed: the uninstall leaves the workbench changed status 1
+  $ lay :; integrate >/dev/null; try check | verdict
+  failed: the workbench holds an earlier integration already, so this cannot tell whether one is undone; uninstall first, then check again status 1
+  $ lay :; integrate >/dev/null; wb check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench | grep ^failed
+  failed: the workbench holds an earlier integration already, so this cannot tell whether one is undone; uninstall first, then check again
+  [1]
