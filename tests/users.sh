@@ -2,7 +2,7 @@
 # Sourced after site.sh by the transcripts about the sandbox: everything is done by an ordinary user
 # and, where root runs the tests, by root too. Both have to see the same.
 chmod 711 "$CRAMTMP"
-mkdir "$CRAMTMP"/{home,t}
+mkdir -p "$CRAMTMP"/{home,t}
 export HOME=$CRAMTMP/home TMPDIR=$CRAMTMP/t
 me=$(id -u)
 
@@ -84,15 +84,19 @@ verdict() {
     sed -n '/^left by/,$p' | grep -e '^The workbench' -e '^failed' -e '^status' | paste -sd' '
 }
 
-# both_ways SETUP UNINSTALL: the verdict on the two scripts in a sandbox and without one, once
-# where both are the same
-both_ways() {
-    lay "$@"
+# judge: the verdict in a sandbox and without one, once where both are the same
+judge() {
     {
         [ -z "$users" ] || try check | verdict
-        (
+        {
             wb-trial check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench
             echo "status $?"
-        ) | verdict
+        } | verdict
     } | uniq
+}
+
+# both_ways SETUP UNINSTALL: judges the two scripts
+both_ways() {
+    lay "$@"
+    judge
 }
