@@ -62,7 +62,7 @@ auto host_call(Work work, char const* operation, Arguments const&... arguments) 
 }
 
 /// The same for work that can fail: it gets the outcome of the action at work, to add failures to.
-/// A std::filesystem::filesystem_error that it throws becomes one.
+/// A std::filesystem::filesystem_error that it throws becomes one, for good.
 template <typename Work, typename... Arguments>
 void call_on_disk(Work work, char const* operation, Arguments const&... arguments) {
     auto const reported = [&] {
@@ -70,8 +70,8 @@ void call_on_disk(Work work, char const* operation, Arguments const&... argument
         try {
             work(outcome);
         } catch (std::filesystem::filesystem_error const& error) {
-            outcome.fail(show_call(operation, arguments...) + " failed: " + error.code().message() +
-                         ": " + show(error.path1().string()));
+            outcome.fail_for_good(show_call(operation, arguments...) + " failed: " +
+                                  error.code().message() + ": " + show(error.path1().string()));
         }
     };
     host_call(reported, operation, arguments...);

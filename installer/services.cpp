@@ -136,7 +136,7 @@ std::string get_command_output(std::string command, int* status, bool flag, std:
         host.outcome.output_size = size;
         host.outcome.output = ended.output.substr(size > kept ? size - kept : 0);
         if (ended.status != 0)
-            host.outcome.fail("the command " + show(command) + " ended with status " +
+            host.outcome.fail("the command " + command + " ended with status " +
                               std::to_string(ended.status));
         return std::move(ended.output);
     };

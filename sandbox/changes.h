@@ -38,8 +38,10 @@ struct Change {
 std::vector<Change> find_changes(std::vector<Watched> const& directories,
                                  std::filesystem::path const& left_out);
 
-/// The change in lines: one that begins with two blanks and its letter, below it the difference,
-/// indented and cut after 20 lines. Control characters are as they are.
-std::vector<std::string> described(Change const& change);
+/// The path and, in parentheses, the detail. Control characters are as they are.
+std::string described(Change const& change);
+
+/// The first 20 lines of a difference, cut where they are long, and how many more there are.
+std::vector<std::string> shown_lines(std::string const& difference);
 
 } // namespace sandbox

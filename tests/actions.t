@@ -67,10 +67,14 @@ An integration that cannot begin touches nothing:
   $ wb run s.toml perform_integration --set WB_INTEGRATION_PATH=workbench/install.properties/
   perform_integration returned -1
     failed: no configuration is listed, or the workbench is no directory
+  1 failure:
+    perform_integration: no configuration is listed, or the workbench is no directory
   [1]
   $ wb run names.toml perform_integration --set log_file=log --set WB_INTEGRATION_PATH=absent
   perform_integration returned -1
     failed: no configuration is listed, or the workbench is no directory
+  1 failure:
+    perform_integration: no configuration is listed, or the workbench is no directory
   [1]
   $ grep -e 'not supported$' -e 'not a directory$' log | tail -n 2
   workbench_int: workbench path: workbench/install.properties does not exist or not a directory
@@ -100,7 +104,7 @@ Where no variable is set, every action still runs to its end and names what it m
   validate_wb_path returned 0 PATH_STATUS = "undefined" SUPPORTED_VERSION WB_INTEGRATION_PATH log_file 0
   find_wb_components returned 0 WB_INTEGRATION_SUPPORTED = "no" log_file 0
   perform_integration returned -1 WB_INTEGRATION_PATH log_file 1
-  perform_deintegration returned 0 VORN_INSTALL_DIR VORN_INSTALL_SUBDIR log_file failed: the command 1
+  perform_deintegration returned 0 VORN_INSTALL_DIR VORN_INSTALL_SUBDIR log_file 1
   init_wb_prefs returned 0 VORN_INSTALL_DIR VORN_INSTALL_SUBDIR 0
   $ find . | sort | diff "$TMPDIR/before" -
 

@@ -60,28 +60,31 @@ Processes in it. What a setup script finds and does, and what becomes of the che
 
   $ in_sandbox() {
   >     lay "$@"
-  >     try check | sed -n '/^    /p; /^failed\|^wb-trial\|^status/p'
+  >     try check | sed -n '/^    /p; /^wb-trial/p; /^[0-9]* failure/,$p; /^status/p' | uniq
   > }
   $ in_sandbox 'kill -9 -1'
   wb-trial: signal 9 ended the sandbox
   status 1
   $ in_sandbox "trap 'kill 0' EXIT"
-  failed: the install or the uninstall, as told above
+  1 failure:
+    perform_integration: the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 143
   status 1
   $ in_sandbox 'cut -d " " -f 6 /proc/self/stat; cat /proc/1/comm; readlink /proc/[12]/exe /proc/[12]/fd/*'
       2
       wb-trial
-  failed: the install or the uninstall, as told above
+  1 failure:
+    perform_integration: the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 1
   status 1
   $ in_sandbox 'ls -d /proc/[0-9]* | wc -w; mknod device b 8 1 || unshare -m true'
       6
       mknod: device: Operation not permitted
       unshare: unshare failed: Operation not permitted
-  failed: the install or the uninstall, as told above
+  1 failure:
+    perform_integration: the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 1
   status 1
   $ in_sandbox 'sleep 99 >/dev/null 2>&1 &'
-  failed: still running after the uninstall: sleep 99
-  failed: the install or the uninstall, as told above
+  1 failure:
+    check: still running after the uninstall: sleep 99
   status 1
   $ lay 'sleep 98 >/dev/null 2>&1 &'
   $ try install --preview | grep still
@@ -146,7 +149,7 @@ The directories are what they are outside: a default ACL, a link as workbench, a
 
   $ lay 'echo >x; stat -c %a x; rm x'
   $ setfacl -d -m o::- workbench
-  $ try check | sed -n '/^    /p; /^The\|^failed/p'
+  $ try check | sed -n '/^    /p; /^The/p; /^[0-9]* failure/,$p'
       640
   The workbench is as it was.
   $ lay 'echo >x'; ln -s workbench link; workbench=link

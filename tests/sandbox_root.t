@@ -33,7 +33,7 @@ stays hidden:
 
   $ mounted() {
   >     within=(unshare -m sh -c "$1"' || exit; exec "$@"' -)
-  >     users=0 try check | sed -n '/^    /p; /^The\|^failed\|^wb/p'
+  >     users=0 try check | sed -n '/^    /p; /^The\|^failed\|^  failed\|^wb/p'
   > }
   $ lay 'echo >dir/x && rm dir/x && cat dir/inner/name'
   $ mounted 'mount -t tmpfs a workbench/dir; mkdir workbench/dir/inner; mount -t tmpfs b workbench/dir/inner; echo b >workbench/dir/inner/name'
@@ -45,12 +45,12 @@ stays hidden:
   $ lay 'echo >dir/x'
   $ mounted 'mount -t tmpfs -o ro a workbench/dir'
       workbench/wr-qev-1.0a/wr-setup/setup.sh: 3: cannot create dir/x: Read-only file system
-  failed: the install or the uninstall, as told above
+    failed: the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 2
   The workbench is as it was.
   $ lay 'echo "#!/bin/sh" >dir/x; chmod +x dir/x; dir/x'
   $ mounted 'mount -t tmpfs -o noexec a workbench/dir'
       workbench/wr-qev-1.0a/wr-setup/setup.sh: 3: dir/x: Permission denied
-  failed: the install or the uninstall, as told above
+    failed: the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 126
   failed: the uninstall leaves the workbench changed
   $ lay 'test -e dir/self && ! echo >dir/x'
   $ mounted 'mount -t proc a workbench/dir'

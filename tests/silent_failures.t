@@ -12,19 +12,16 @@ A copy that cannot be made:
   $ copying() { after "$1" integrate "${@:2}" | sed 's/(".*") failed//' | grep -v -e 'ended with status' -e 'uninstall script'; }
   $ copying 'chmod 555 workbench'
   folder_create("workbench/wr-qev-1.0a", 0755) failed: Permission denied: "workbench/wr-qev-1.0a"
-  dir_copy: No such file or directory: "workbench/wr-qev-1.0a"
   $ copying 'rm -r $config; keep'
   dir_copy: No such file or directory: "./product/suite/part/wr-qev-1.0a"
   $ copying 'echo mine >$copy; keep'
   folder_create("workbench/wr-qev-1.0a", 0755) failed: Not a directory: "workbench/wr-qev-1.0a"
-  dir_copy: Not a directory: "workbench/wr-qev-1.0a"
   $ copying 'mkdir -p $copy/a.prefs/x'
   dir_copy: Is a directory: "workbench/wr-qev-1.0a/a.prefs"
   $ copying 'chmod 000 $prefs'
   dir_copy: Permission denied: "./product/suite/part/wr-qev-1.0a/a.prefs"
   $ copying 'mkdir -m 700 outside; ln -s ../outside $copy'
   folder_create("workbench/wr-qev-1.0a", 0755) failed: Not a directory: "workbench/wr-qev-1.0a"
-  dir_copy: Not a directory: "workbench/wr-qev-1.0a"
   700 ./outside
   $ copying 'mkdir -m 700 outside; mkdir $copy; ln -s ../../outside $copy/wr-setup'
   dir_copy: Not a directory: "workbench/wr-qev-1.0a/wr-setup"
@@ -39,23 +36,19 @@ A log that cannot be opened, and a full disk, the first time and over an earlier
   $ after : on_full_disk integrate
   the log cannot be written; its lines go to standard error
   dir_copy(*) failed: File too large: * (glob)
-  the command "\"workbench/wr-qev-1.0a/wr-setup/setup.sh\" \"./product/suite/part\"" ended with status 127
-  the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is there only in part; is the disk full? Make room and integrate again
-  the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not there, so what was set up stays; is it in the product, executable?
   $ after 'integrate >/dev/null; echo c=3 >>$prefs; rm $script; keep' on_full_disk integrate
   the log cannot be written; its lines go to standard error
   dir_copy(*) failed: File too large: * (glob)
-  the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is there only in part; is the disk full? Make room and integrate again
 
 A setup script that is not executable, fails, is killed or is missing:
 
   $ running() { after "$1" wb install s.toml --set WB_PREFS=; }
   $ for fault in 'chmod -x $setup' 'echo exit 3 >>$setup; keep' 'rm $setup; keep' \
   >     'echo "grep -qx sh /proc/\$PPID/comm && kill -9 \$PPID || kill -9 \$\$" >>$setup; keep'; do running "$fault"; done
-  the command "\"workbench/wr-qev-1.0a/wr-setup/setup.sh\" \"./product/suite/part\"" ended with status 126
-  the command "\"workbench/wr-qev-1.0a/wr-setup/setup.sh\" \"./product/suite/part\"" ended with status 3
-  the command "\"workbench/wr-qev-1.0a/wr-setup/setup.sh\" \"./product/suite/part\"" ended with status 127
-  the command "\"workbench/wr-qev-1.0a/wr-setup/setup.sh\" \"./product/suite/part\"" ended with status 137
+  the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 126
+  the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 3
+  the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
+  the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 137
 
 Scripts with which an integration cannot be undone:
 
@@ -72,7 +65,7 @@ Scripts with which an integration cannot be undone:
   $ after 'integrate >/dev/null; chmod 444 $script' integrate
   the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be executed (Permission denied); its mode has to be 0755, its mount not noexec
   $ after 'cp -R workbench second; integrate >/dev/null' integrate --set WB_INTEGRATION_PATH=second
-  the earlier integration in "workbench/wr-qev-1.0a" has lost its de-integration script to this one; undo it by hand
+  the earlier integration in "workbench/wr-qev-1.0a" has lost its de-integration script to this one, which is in another workbench or has another configuration name; undo the earlier one by hand, and the next time uninstall it first
 
 An integration that was not undone, or cannot have been:
 
@@ -82,13 +75,13 @@ An integration that was not undone, or cannot have been:
   $ undoing 'chmod -x $copy/wr-setup/uninst*'
   the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" cannot be executed (Permission denied), so what was set up stays; is it in the product, executable?
   $ undoing 'rm $script'
-  the command "\"./product/suite/vorn/wb_deintegrate.sh\"" ended with status 127
+  the product is not integrated: there is no "./product/suite/vorn/wb_deintegrate.sh"
   $ undoing 'echo >$script'
   the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is there only in part; integrate again, then uninstall
   $ undoing 'mv workbench elsewhere'
   the directory "workbench/wr-qev-1.0a" that the de-integration script removes was not there; was it named from another folder, or is it uninstalled already?
   $ undoing 'chmod 555 workbench'
-  the command "\"./product/suite/vorn/wb_deintegrate.sh\"" ended with status 1
+  the command "./product/suite/vorn/wb_deintegrate.sh" ended with status 1
   the directory "workbench/wr-qev-1.0a" is still there; see the output
 
 A preferences file that cannot be read, replaced or understood, is not there, or has no key to be set:

@@ -74,14 +74,14 @@ try() {
     within=()
 }
 
-# Of a report: the changes and what follows them, without what every install leaves in the product.
+# Of a report: what the uninstall left, or else what the install changed, and the verdict.
 changes() {
-    sed -n '/^\(changed\|left\) by/,$p' | sed '/^perform\|^  runs\|^  its\|^    [^ ]\|deintegrate.sh$/d'
+    sed -n '/^\(changed\|left\) by/,$p' | sed '/^perform\|^  runs\|^  its\|^    [^ ]\|deintegrate.sh$/d; /^[0-9]* failure/,/^status/{/^status/!d}'
 }
 
-# Of a report: the verdict alone, in a line.
+# Of a report: the verdict and the failures alone, in a line.
 verdict() {
-    sed -n '/^left by/,$p' | grep -e '^The workbench' -e '^failed' -e '^status' | paste -sd' '
+    sed -n '/^The workbench/p; /^[0-9]* failure/,$p; /^status/p' | uniq | paste -sd' ' | tr -s ' '
 }
 
 # judge: the verdict in a sandbox and without one, once where both are the same
@@ -89,7 +89,7 @@ judge() {
     {
         [ -z "$users" ] || try check | verdict
         {
-            wb-trial check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench
+            wb check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench
             echo "status $?"
         } | verdict
     } | uniq

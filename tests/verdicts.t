@@ -13,6 +13,8 @@ What a check without a sandbox says first and last. It leaves what it did, and n
     A ./workbench/x
   failed: the uninstall leaves the workbench changed
   What the last list shows is left on the disk. Nothing beside the workbench and the product was compared.
+  1 failure:
+    check: the uninstall leaves the workbench changed
   [1]
   $ ls workbench; ls "$TMPDIR"
   dir
@@ -28,43 +30,43 @@ Setup script, uninstall script, verdict:
   $ both_ways 'chmod 600 dir' 'chmod 700 dir; chmod 755 dir'
   The workbench is as it was. status 0
   $ both_ways 'echo >>install.properties' 'exit 3'
-  failed: the uninstall leaves the workbench changed status 1
+  1 failure: check: the uninstall leaves the workbench changed status 1
   $ both_ways 'echo nane=3.1 >install.properties' :
-  failed: the uninstall leaves the workbench changed status 1
+  1 failure: check: the uninstall leaves the workbench changed status 1
   $ both_ways 'chmod 4755 dir/file' 'chmod 755 dir/file; chmod 644 dir/file'
   The workbench is as it was. status 0
   $ both_ways 'chmod g+s dir; chmod +t dir' :
-  failed: the uninstall leaves the workbench changed status 1
+  1 failure: check: the uninstall leaves the workbench changed status 1
   $ both_ways 'setfattr -n user.color -v red dir/file' :
-  failed: the uninstall leaves the workbench changed status 1
+  1 failure: check: the uninstall leaves the workbench changed status 1
   $ both_ways 'setfattr -n user.color -v red .' 'setfattr -x user.color .'
   The workbench is as it was. status 0
   $ both_ways 'ln -s dir link' 'ln -sfn die link'
-  failed: the uninstall leaves the workbench changed status 1
+  1 failure: check: the uninstall leaves the workbench changed status 1
   $ both_ways 'rm -r dir; ln -s x dir' :
-  failed: the uninstall leaves the workbench changed status 1
+  1 failure: check: the uninstall leaves the workbench changed status 1
   $ both_ways : 'rm -r dir install.properties'
-  failed: the uninstall leaves the workbench changed status 1
+  1 failure: check: the uninstall leaves the workbench changed status 1
   $ both_ways : 'mkdir -p wr-qev-1.0a/x; chmod 000 wr-qev-1.0a/x'
   The workbench is as it was. status 0
   $ both_ways 'mkdir new; chmod 000 new' :
-  failed: the uninstall leaves the workbench changed status 1
+  1 failure: check: the uninstall leaves the workbench changed status 1
   $ both_ways 'echo >../product/x' :
   The workbench is as it was. status 0
   $ both_ways '(sleep 99 & echo $! >p) >/dev/null 2>&1' 'kill $(cat p); while kill -0 $(cat p) 2>/dev/null; do sleep 0.01; done; rm p'
   The workbench is as it was. status 0
   $ both_ways 'sleep 9 >/dev/null 2>&1 &' :
-  failed: the install or the uninstall, as told above The workbench is as it was. status 1
+  The workbench is as it was. 1 failure: check: still running after the uninstall: sleep 9 status 1
   $ both_ways 'exit 7' :
-  failed: the install or the uninstall, as told above The workbench is as it was. status 1
+  The workbench is as it was. 1 failure: perform_integration: the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 7 status 1
   $ both_ways 'kill -9 $PPID' :
-  failed: the install or the uninstall, as told above The workbench is as it was. status 1
+  The workbench is as it was. 1 failure: perform_integration: the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 137 status 1
 
 An earlier integration leaves no verdict; an empty directory of that name is none:
 
   $ both_ways : 'mkdir wr-qev-1.0a'
   The workbench is as it was. status 0
   $ lay :; mkdir "$copy"; judge
-  failed: the uninstall leaves the workbench changed status 1
+  1 failure: check: the uninstall leaves the workbench changed status 1
   $ lay :; integrate >/dev/null; judge
-  failed: the workbench holds an earlier integration already, so this cannot tell whether one is undone; uninstall first, then check again status 1
+  1 failure: check: the workbench holds an earlier integration already, so this cannot tell whether one is undone; uninstall first, then check again status 1

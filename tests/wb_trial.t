@@ -6,21 +6,18 @@ Where the workbench will not do, or there is nothing to integrate:
   $ for variable in 'SUPPORTED_VERSION=2;' WB_INTEGRATION_PATH=/absent DEFAULT_SEARCH_PATH=absent WB_PREFS=; do
   >     unprivileged wb --set "$variable" install s.toml | grep -e "set back" -e Stopped && echo "status 0"
   > done
-  Stopped: "workbench" holds a workbench of none of the versions in SUPPORTED_VERSION; each there has to be ended by ";", and stand behind name= in install.properties.
+  Stopped: "workbench" is of no supported version: looked for "name=2", and its install.properties has "name=3.1"; end each version in SUPPORTED_VERSION by ";", without blanks.
   WB_INTEGRATION_PATH is set back to "/absent", the session's own choice
-  Stopped: "/absent" holds no install.properties, or SUPPORTED_VERSION is empty.
-  Stopped: no directory in DEFAULT_SEARCH_PATH holds a workbench, that is, install.properties.
-  Stopped: "workbench" holds a workbench that the installation cannot write into.
+  Stopped: "/absent" holds no file install.properties.
+  Stopped: no directory in DEFAULT_SEARCH_PATH holds a file install.properties; tried: "absent".
+  Stopped: "workbench" cannot be written by this user.
   [1]
   $ chmod 755 workbench
   $ wb install s.toml --set WB_PREFSS=.prefs | grep note:
-  note: no action read or wrote WB_PREFSS; is it misspelt, or not needed?
+  [1]
   $ sed -i s/workbench-part/part/ s.toml
   $ wb install s.toml --set WB_PREFSS=.prefs | grep -e Nothing -e note:
-  Nothing to integrate: no component to be installed has "workbench" in its name.
-  note: no action read or wrote WB_INSTALL_SUBDIR; is it misspelt, or not needed?
-  note: no action read or wrote WB_PREFSS; is it misspelt, or not needed?
-  note: no action read or wrote WORKBENCH_SCRIPT_NAME; is it misspelt, or not needed?
+  [1]
 
 Options stand before or after the rest, and actions run in the order given:
 
@@ -109,7 +106,7 @@ What a setup script finds, whatever the caller left in disorder:
       no other descriptor\tESC \\x1b[1m \xc2\\x9b (esc)
   $ integrate --set WORKBENCH_SCRIPT_NAME=$'\033[1m' | grep -e runs: -e failed:
     runs: "workbench/wr-qev-1.0a/wr-setup/\x1b[1m.sh" "./product/suite/part"
-    failed: the command "\"workbench/wr-qev-1.0a/wr-setup/\x1b[1m.sh\" \"./product/suite/part\"" ended with status 127
+    failed: the command "workbench/wr-qev-1.0a/wr-setup/\x1b[1m.sh" "./product/suite/part" ended with status 127
   [1]
 
 A lot of output is cut in the report and not in the log:
@@ -149,7 +146,7 @@ Bad arguments: one message, status 2, and nothing is run:
   >     'install s.toml --plugin absent.so' 'install s.toml --plugin /lib/*/libm.so.6'; do
   >     refused $arguments
   > done
-  A command, check, install, uninstall or run, is required
+  wb-trial: a command is missing: check, install, uninstall or run
   SESSION.toml is required
   wb-trial: absent.toml: No such file or directory
   wb-trial: workbench: Is a directory
@@ -171,7 +168,7 @@ A bad session file likewise:
   > done
   wb-trial: bad.toml:1: Error while parsing table header: expected ']', saw '\n'
   wb-trial: bad.toml:1: unknown key a; a session has [variables] and [[component]]
-  wb-trial: bad.toml:3: b has to be a string
+  wb-trial: bad.toml:2: unknown variable a; did you mean WB_PREFS?
   wb-trial: bad.toml:1: variables has to be a table: [variables]
   wb-trial: bad.toml:1: component has to be a list of tables: [[component]]
   wb-trial: bad.toml:1: a component needs a name

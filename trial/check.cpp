@@ -9,12 +9,10 @@
 #include <set>
 
 #include "installer/held_signals.h"
-#include "installer/show.h"
 #include "sandbox/processes.h"
 #include "trial/preview.h"
 
 namespace fs = std::filesystem;
-using installer::printable;
 using installer::Session;
 using sandbox::Change;
 
@@ -47,44 +45,57 @@ struct Places {
     }
 };
 
-/// Judges what an uninstall left. What it leaves in the product is by design.
-bool is_undone(std::vector<Change> const& changes, Places const& places) {
-    bool is_workbench_changed = false, is_other_changed = false;
-    for (Change const& change : changes) {
-        bool const is_in_workbench = places.is_in_workbench(change.path);
-        is_workbench_changed |= is_in_workbench;
-        is_other_changed |= !is_in_workbench && !lies_in(change.path, places.product);
-    }
-    if (is_workbench_changed) std::cout << "failed: the uninstall leaves the workbench changed\n";
-    else if (!places.workbench.empty()) std::cout << "The workbench is as it was.\n";
-    if (is_other_changed)
-        std::cout << "failed: the uninstall leaves changes beside the workbench and the product\n";
-    return !is_workbench_changed && !is_other_changed;
-}
+/// Installs, uninstalls and judges.
+class Check {
+  public:
+    Check(Session const& session, Sequence& sequence, Report& report)
+        : places_(session), sequence_(sequence), report_(report) {}
 
-bool has_ended_all() {
-    std::vector<std::string> const processes = sandbox::left_running();
-    for (std::string const& process : processes)
-        std::cout << "failed: still running after the uninstall: " << printable(process) << '\n';
-    return processes.empty();
-}
-
-bool install_and_uninstall(Places const& places, Sequence& sequence, ChangeReport const& report) {
-    bool has_succeeded = sequence.install();
-    std::vector<Change> changes = report.show("changed by the install");
-    if (sequence.has_integrated()) {
-        has_succeeded = sequence.call("perform_deintegration") && has_succeeded;
-        has_succeeded = has_ended_all() && has_succeeded;
-        changes = report.show("left by the uninstall");
-    } else {
-        std::cout << "The uninstall was not tried, for nothing was integrated.\n";
+    /// Returns whether nothing failed.
+    bool run(ChangeReport const& changes) {
+        bool has_succeeded = sequence_.install();
+        std::vector<Change> left = changes.show("changed by the install");
+        if (sequence_.has_integrated()) {
+            has_succeeded = sequence_.call("perform_deintegration") && has_succeeded;
+            for (std::string const& process : sandbox::left_running())
+                has_succeeded = fail("still running after the uninstall: " + process);
+            left = changes.show("left by the uninstall");
+        } else {
+            has_succeeded = fail("nothing was checked, for nothing was integrated");
+        }
+        if (sequence_.has_integrated_again())
+            return fail("the workbench holds an earlier integration already, so this cannot tell "
+                        "whether one is undone; uninstall first, then check again");
+        return judge(left) && has_succeeded;
     }
-    if (!has_succeeded) std::cout << "failed: the install or the uninstall, as told above\n";
-    if (!sequence.has_integrated_again()) return is_undone(changes, places) && has_succeeded;
-    std::cout << "failed: the workbench holds an earlier integration already, so this cannot tell "
-                 "whether one is undone; uninstall first, then check again\n";
-    return false;
-}
+
+    Places const& places() const { return places_; }
+
+  private:
+    /// What is left in the product is by design.
+    bool judge(std::vector<Change> const& left) {
+        bool is_workbench_changed = false, is_other_changed = false;
+        for (Change const& change : left) {
+            bool const is_in_workbench = places_.is_in_workbench(change.path);
+            is_workbench_changed |= is_in_workbench;
+            is_other_changed |= !is_in_workbench && !lies_in(change.path, places_.product);
+        }
+        if (is_workbench_changed) fail("the uninstall leaves the workbench changed");
+        else if (!places_.workbench.empty()) report_.success("The workbench is as it was.");
+        if (is_other_changed)
+            fail("the uninstall leaves changes beside the workbench and the product");
+        return !is_workbench_changed && !is_other_changed;
+    }
+
+    bool fail(std::string const& sentence) {
+        report_.failure("check", sentence);
+        return false;
+    }
+
+    Places const places_; ///< as they are before a script can move them away
+    Sequence& sequence_;
+    Report& report_;
+};
 
 /// Copies of the workbench and the product as they were.
 class Copies {
@@ -128,26 +139,26 @@ class Copies {
 
 } // namespace
 
-ExitStatus check(Session const& session, Sequence& sequence) {
-    Places const places(session); // before a script can move them away
-    return run_in_sandbox(session, [&](ChangeReport const& report) {
-        return install_and_uninstall(places, sequence, report);
-    });
+ExitStatus check(Session const& session, Sequence& sequence, Report& report) {
+    Check check(session, sequence, report);
+    return run_in_sandbox(session, report,
+                          [&](ChangeReport const& changes) { return check.run(changes); });
 }
 
-ExitStatus check_without_sandbox(Session const& session, Sequence& sequence) {
+ExitStatus check_without_sandbox(Session const& session, Sequence& sequence, Report& report) {
     installer::HeldSignals const signals; // so that the copies are removed
-    Places const places(session);
-    Copies const copies(places);
+    Check check(session, sequence, report);
+    Copies const copies(check.places());
     std::cout << "The disk changes: this check really installs and uninstalls." << std::endl;
     prctl(PR_SET_CHILD_SUBREAPER, 1);
     int const result = sandbox::run_in_child([&] {
         signals.release();
         return status_or_error([&] {
-            ChangeReport const report(copies.directories(), log_file(session));
-            bool const has_succeeded = install_and_uninstall(places, sequence, report);
+            bool const has_succeeded =
+                check.run(ChangeReport(copies.directories(), session, report));
             std::cout << "What the last list shows is left on the disk. Nothing beside the "
                          "workbench and the product was compared.\n";
+            report.summary();
             return status_of(has_succeeded);
         });
     });

@@ -7,13 +7,13 @@
 
 #include "trial/check.h"
 #include "trial/exit_status.h"
+#include "trial/names.h"
 #include "trial/plugin.h"
 #include "trial/preview.h"
 #include "trial/sequence.h"
 #include "trial/session_file.h"
 
 using namespace trial;
-using installer::show;
 using Texts = std::vector<std::string>;
 
 namespace {
@@ -24,19 +24,20 @@ struct Arguments {
     bool trace = false, preview = false, no_sandbox = false;
 };
 
-void declare_options(CLI::App& app, Arguments& arguments) {
-    app.set_version_flag("--version", TRIAL_VERSION);
-    auto const add_list = [&](char const* name, Texts& list, char const* type, char const* help) {
-        app.add_option(name, list, help)
-            ->type_name(type)
-            ->expected(1)
-            ->take_all()
-            ->allow_extra_args(false);
+/// The options that may stand before the command, and after it.
+void declare_common_options(CLI::App& app, Arguments& arguments) {
+    auto const add_setting = [&](std::string const& setting) {
+        arguments.settings.push_back(setting);
     };
-    add_list("--set", arguments.settings, "NAME=VALUE",
-             "Set or override a session variable (repeatable)");
-    app.add_option("--plugin", arguments.plugin_file, "Use this library, not the bundled one")
-        ->type_name("FILE");
+    app.add_option_function<std::string>("--set", add_setting,
+                                         "Set or override a session variable (repeatable)")
+        ->type_name("NAME=VALUE")
+        ->trigger_on_parse();
+    app.add_option("--plugin", arguments.plugin_file,
+                   "Use this library, not the bundled one; it has to be built for the headers in "
+                   "this project's host/")
+        ->type_name("FILE")
+        ->check([](std::string const& file) { return file.empty() ? "the name is empty" : ""; });
     app.add_flag("--trace", arguments.trace, "Print every host call on standard error");
 }
 
@@ -49,13 +50,13 @@ void declare_commands(CLI::App& app, Arguments& arguments) {
          }) {
         CLI::App* const command = app.add_subcommand(name, help);
         command->add_option("SESSION.toml", arguments.session_file, "The session file")->required();
-        command->footer("The options of wb-trial itself may stand here too, see wb-trial --help.");
         if (name == std::string("check"))
             command->add_flag("--no-sandbox", arguments.no_sandbox,
                               "Change the real disk, of a machine that is thrown away");
         else
             command->add_flag("--preview", arguments.preview,
                               "Run it in a sandbox and show what would change; nothing does");
+        declare_common_options(*command, arguments);
     }
     app.get_subcommand("run")
         ->add_option("ACTION", arguments.actions, "The actions")
@@ -66,10 +67,13 @@ void declare_commands(CLI::App& app, Arguments& arguments) {
 void fill(installer::Session& session, Arguments const& arguments) {
     read_session_file(arguments.session_file, session);
     for (std::string const& setting : arguments.settings) {
-        std::size_t const name_size = setting.find('=');
-        if (name_size == 0 || name_size == std::string::npos)
-            throw StartError("--set " + show(setting) + ": write NAME=VALUE");
-        session.variables[setting.substr(0, name_size)] = setting.substr(name_size + 1);
+        std::size_t const size = setting.find('=');
+        if (size == 0 || size == std::string::npos)
+            throw StartError("--set " + installer::show(setting) + ": write NAME=VALUE");
+        std::string const name = setting.substr(0, size);
+        if (!is_known_variable(name))
+            throw StartError("--set: " + unknown_name("variable", name, known_variables));
+        session.variables[name] = setting.substr(size + 1);
     }
 }
 
@@ -84,12 +88,13 @@ ExitStatus execute(Arguments const& arguments) {
     fill(host.session, arguments);
     std::string const& file = arguments.plugin_file;
     Plugin const plugin(file.empty() ? bundled_plugin().string() : file);
-    Sequence sequence(host, plugin);
+    Report report;
+    Sequence sequence(host, plugin, report);
 
     std::string const& command = arguments.command;
     if (command == "check")
-        return arguments.no_sandbox ? check_without_sandbox(host.session, sequence)
-                                    : check(host.session, sequence);
+        return (arguments.no_sandbox ? check_without_sandbox : check)(host.session, sequence,
+                                                                      report);
     auto const work = [&] {
         if (command == "install") return sequence.install();
         if (command == "uninstall") return sequence.call("perform_deintegration");
@@ -99,8 +104,10 @@ ExitStatus execute(Arguments const& arguments) {
         return has_succeeded;
     };
     std::string const title = "changed by the " + (command == "run" ? "actions" : command);
-    if (arguments.preview) return preview(host.session, title, work);
-    return status_of(work());
+    if (arguments.preview) return preview(host.session, report, title, work);
+    bool const has_succeeded = work();
+    report.summary();
+    return status_of(has_succeeded);
 }
 
 /// Opens the standard streams that are closed and resets signals that are ignored.
@@ -112,22 +119,33 @@ void tidy_process() {
     signal(SIGPIPE, [](int) {}); // not ignored: that would stay so in the commands that are run
 }
 
+/// Throws StartError where no command is among the arguments.
+void require_command(CLI::App const& app) {
+    if (!app.get_subcommands().empty()) return;
+    Texts const others = app.remaining();
+    if (others.empty()) throw StartError("a command is missing: check, install, uninstall or run");
+    throw StartError(unknown_name("command", others[0], {"check", "install", "uninstall", "run"}));
+}
+
 ExitStatus run_command_line(int argc, char const* const* argv) {
     CLI::App app("Runs the workbench plug-in on a product, without the installer.\n"
                  "Exit status: 0 all succeeded, 1 something failed, 2 nothing was run.",
                  "wb-trial");
-    app.fallthrough();
+    app.set_version_flag("--version", TRIAL_VERSION);
     app.require_subcommand(0, 1);
     Arguments arguments;
-    declare_options(app, arguments);
+    declare_common_options(app, arguments);
     declare_commands(app, arguments);
+    app.footer("wb-trial COMMAND --help lists all options of a command.");
     try {
         app.parse(argc, argv);
-        if (app.get_subcommands().empty())
-            throw CLI::RequiredError("A command, check, install, uninstall or run,");
+    } catch (CLI::ExtrasError const& error) {
+        require_command(app);
+        return app.exit(error), not_started;
     } catch (CLI::ParseError const& error) {
-        return app.exit(error) == 0 ? all_succeeded : not_started;
+        return app.exit(error) == 0 ? status_of(true) : not_started;
     }
+    require_command(app);
     arguments.command = app.get_subcommands().front()->get_name();
     return execute(arguments);
 }

@@ -1,6 +1,7 @@
 #include "trial/plugin.h"
 
 #include <dlfcn.h>
+#include <sys/auxv.h>
 
 #include "trial/exit_status.h"
 
@@ -20,7 +21,9 @@ Plugin::Action Plugin::action(std::string const& name) const {
 }
 
 fs::path bundled_plugin() {
-    fs::path const directory = fs::read_symlink("/proc/self/exe").parent_path();
+    auto const* const program = reinterpret_cast<char const*>(getauxval(AT_EXECFN));
+    fs::path const directory =
+        fs::canonical(program).parent_path(); // without /proc, which may lack
     for (char const* const place : {".", TRIAL_LIBRARY_FROM_PROGRAM}) {
         fs::path library = (directory / place / TRIAL_LIBRARY_NAME).lexically_normal();
         if (fs::exists(library)) return library;

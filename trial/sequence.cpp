@@ -1,75 +1,73 @@
 #include "trial/sequence.h"
 
+#include <fstream>
 #include <iostream>
 #include <sstream>
 
 #include "installer/show.h"
+#include "trial/names.h"
+#include "trial/places.h"
+#include "trial/product_check.h"
 #include "trial/undo_check.h"
 
 using installer::Outcome;
 using installer::printable;
 using installer::Session;
 using installer::show;
+using Texts = std::vector<std::string>;
 
 namespace trial {
 
 namespace {
 
-/// Why there is no usable workbench, by the verdict on the one that was chosen.
-std::string explanation(std::string const& path_status, std::string const& workbench) {
-    if (workbench.empty())
-        return "no directory in DEFAULT_SEARCH_PATH holds a workbench, that is, install.properties";
-    if (path_status == "undefined")
-        return show(workbench) + " holds no install.properties, or SUPPORTED_VERSION is empty";
-    if (path_status == "unsupported")
-        return show(workbench) +
-               " holds a workbench of none of the versions in SUPPORTED_VERSION; "
-               "each there has to be ended by \";\", and stand behind name= in install.properties";
-    return show(workbench) + " holds a workbench that the installation cannot write into";
+/// The keys by which a version is looked for: each entry of the list that is ended by ";".
+Texts version_keys(std::string const& versions) {
+    Texts keys;
+    std::istringstream list(versions.substr(0, versions.rfind(';') + 1));
+    for (std::string version; std::getline(list, version, ';');) keys.push_back("name=" + version);
+    return keys;
 }
 
-void print(Session const& session, Outcome const& outcome) {
-    for (std::string const& name : outcome.written)
-        std::cout << "  " << name << " = " << show(session.value(name)) << '\n';
-    if (!outcome.output.empty()) {
-        std::cout << "  its command said";
-        if (outcome.output.size() < outcome.output_size)
-            std::cout << " " << outcome.output_size << " bytes, of which the last "
-                      << outcome.output.size() << " were";
-        std::cout << ":\n";
-        std::istringstream lines(outcome.output);
-        for (std::string line; std::getline(lines, line);)
-            std::cout << "    " << printable(line, "\t") << '\n';
-    }
-    for (std::string const& name : outcome.read)
-        if (session.variables.count(name) == 0)
-            std::cout << "  warning: " << name << " was read and is not set\n";
-    for (std::string const& note : outcome.notes)
-        std::cout << "  note: " << printable(note) << '\n';
-    for (std::string const& failure : outcome.failures)
-        std::cout << "  failed: " << printable(failure) << '\n';
-    std::cout.flush();
+/// The first words of the file that tell a version.
+Texts version_words(std::string const& properties) {
+    Texts words;
+    std::ifstream file(properties);
+    for (std::string word; words.size() < 5 && file >> word;)
+        if (word.find("name=") != std::string::npos) words.push_back(word);
+    return words;
+}
+
+/// Why there is no usable workbench, by the verdict on the one that was chosen.
+std::string explanation(Session const& session) {
+    std::string const workbench = session.value("WB_INTEGRATION_PATH");
+    std::string const versions = session.value("SUPPORTED_VERSION");
+    std::string const status = session.value("PATH_STATUS");
+    if (workbench.empty())
+        return "no directory in DEFAULT_SEARCH_PATH holds a file install.properties; tried: " +
+               enumerated(search_path(session));
+    if (status == "undefined" && versions.empty()) return "SUPPORTED_VERSION is empty";
+    if (status == "undefined") return show(workbench) + " holds no file install.properties";
+    if (status == "unsupported")
+        return show(workbench) + " is of no supported version: looked for " +
+               enumerated(version_keys(versions)) + ", and its install.properties has " +
+               enumerated(version_words(workbench + "/install.properties")) +
+               "; end each version in SUPPORTED_VERSION by \";\", without blanks";
+    return show(workbench) + " cannot be written by this user";
 }
 
 } // namespace
 
 bool Sequence::install() {
+    for (std::string const& mistake : find_mistakes(host_.session)) report_.warning(mistake);
     bool has_succeeded = choose_workbench();
-    std::string const status = host_.session.value("PATH_STATUS");
-    if (status != "ok") {
-        std::cout << "Stopped: " << explanation(status, host_.session.value("WB_INTEGRATION_PATH"))
-                  << ".\n";
+    if (host_.session.value("PATH_STATUS") != "ok") {
+        std::string const reason = explanation(host_.session);
+        std::cout << "Stopped: " << reason << ".\n";
+        report_.remember("validate_wb_path", reason);
         return false;
     }
-    has_succeeded = call("find_wb_components") && has_succeeded;
-    if (host_.session.value("WB_INTEGRATION_SUPPORTED") == "yes")
-        has_succeeded = call("perform_integration") && has_succeeded;
-    else
-        std::cout << "Nothing to integrate: no component to be installed has \"workbench\" in its "
-                     "name.\n";
-    has_succeeded = call("init_wb_prefs") && has_succeeded;
-    print_unused_variables();
-    return has_succeeded;
+    has_succeeded = integrate() && has_succeeded;
+    return call("init_wb_prefs") && has_succeeded;
 }
 
 bool Sequence::call(std::string const& action) {
@@ -81,20 +79,31 @@ bool Sequence::call(std::string const& action) {
     if (is_undo) check_is_removed(earlier_copy, outcome);
     if (!outcome.copy.empty()) check_undo_is_possible(host_.session, earlier_copy, outcome);
     if (result == -1) outcome.fail("no configuration is listed, or the workbench is no directory");
-    remember(outcome);
-    print(host_.session, outcome);
-    return result == 0 && outcome.failures.empty();
+    else if (result != 0 && outcome.failures.empty())
+        outcome.fail("the result is " + std::to_string(result));
+    has_integrated_ = has_integrated_ || !outcome.copy.empty();
+    has_integrated_again_ = has_integrated_again_ || outcome.was_there;
+    print(action, outcome);
+    return outcome.failures.empty();
 }
 
 bool Sequence::choose_workbench() {
-    std::string const choice = host_.session.value("WB_INTEGRATION_PATH");
     bool const has_succeeded = call("detect_wb_in_default_path");
-    if (!choice.empty()) {
-        host_.session.variables["WB_INTEGRATION_PATH"] = choice;
-        std::cout << "WB_INTEGRATION_PATH is set back to " << show(choice)
+    if (!choice_.empty()) {
+        host_.session.variables["WB_INTEGRATION_PATH"] = choice_;
+        std::cout << "WB_INTEGRATION_PATH is set back to " << show(choice_)
                   << ", the session's own choice\n";
     }
     return call("validate_wb_path") && has_succeeded;
+}
+
+bool Sequence::integrate() {
+    bool const has_succeeded = call("find_wb_components");
+    if (host_.session.value("WB_INTEGRATION_SUPPORTED") == "yes")
+        return call("perform_integration") && has_succeeded;
+    std::cout << "Nothing to integrate: no component to be installed has \"workbench\" in its "
+                 "name.\n";
+    return has_succeeded;
 }
 
 int Sequence::call_plugin(std::string const& action) {
@@ -110,18 +119,27 @@ int Sequence::call_plugin(std::string const& action) {
     }
 }
 
-void Sequence::remember(Outcome const& outcome) {
-    used_.insert(outcome.read.begin(), outcome.read.end());
-    used_.insert(outcome.written.begin(), outcome.written.end());
-    has_integrated_ = has_integrated_ || !outcome.copy.empty();
-    has_integrated_again_ = has_integrated_again_ || outcome.was_there;
-}
-
-void Sequence::print_unused_variables() const {
-    for (auto const& [name, value] : host_.session.variables)
-        if (used_.count(name) == 0)
-            std::cout << "note: no action read or wrote " << printable(name)
-                      << "; is it misspelt, or not needed?\n";
+void Sequence::print(std::string const& action, Outcome const& outcome) const {
+    for (std::string const& name : outcome.written)
+        std::cout << "  " << name << " = " << show(host_.session.value(name)) << '\n';
+    if (!outcome.output.empty()) {
+        std::cout << "  its command said";
+        if (outcome.output.size() < outcome.output_size)
+            std::cout << " " << outcome.output_size << " bytes, of which the last "
+                      << outcome.output.size() << " were";
+        std::cout << ":\n";
+        std::istringstream lines(outcome.output);
+        for (std::string line; std::getline(lines, line);)
+            std::cout << "    " << printable(line, "\t") << '\n';
+    }
+    for (std::string const& name : outcome.read) {
+        bool const is_needless = name == "DEFAULT_SEARCH_PATH" && !choice_.empty();
+        if (host_.session.variables.count(name) == 0 && !is_needless)
+            report_.warning(name + " was read and is not set", "  ");
+    }
+    for (std::string const& note : outcome.notes) report_.note(note, "  ");
+    for (std::string const& failure : outcome.failures) report_.failure(action, failure, "  ");
+    std::cout.flush();
 }
 
 } // namespace trial

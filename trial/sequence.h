@@ -1,17 +1,19 @@
 #pragma once
 
-#include <set>
 #include <string>
 
 #include "installer/host.h"
 #include "trial/plugin.h"
+#include "trial/report.h"
 
 namespace trial {
 
-/// Runs actions in one session and prints on standard output what each of them did.
+/// Runs actions in one session and reports what each of them did.
 class Sequence {
   public:
-    Sequence(installer::Host& host, Plugin const& plugin) : host_(host), plugin_(plugin) {}
+    Sequence(installer::Host& host, Plugin const& plugin, Report& report)
+        : host_(host), plugin_(plugin), report_(report),
+          choice_(host.session.value("WB_INTEGRATION_PATH")) {}
 
     /// Both return whether nothing failed. It is no failure to have nothing to integrate.
     bool install();
@@ -23,13 +25,14 @@ class Sequence {
 
   private:
     bool choose_workbench();
+    bool integrate();
     int call_plugin(std::string const& action);
-    void remember(installer::Outcome const& outcome);
-    void print_unused_variables() const;
+    void print(std::string const& action, installer::Outcome const& outcome) const;
 
     installer::Host& host_;
     Plugin const& plugin_;
-    std::set<std::string> used_; ///< the variables that the actions read or wrote
+    Report& report_;
+    std::string choice_; ///< the workbench that the session names
     bool has_integrated_ = false, has_integrated_again_ = false;
 };
 

@@ -11,6 +11,7 @@
 
 #include "installer/show.h"
 #include "trial/exit_status.h"
+#include "trial/names.h"
 
 namespace fs = std::filesystem;
 using installer::printable;
@@ -43,8 +44,12 @@ class Reader {
                    "a session has [variables] and [[component]]");
         if (toml::node const* const variables = document.get("variables")) {
             require(variables->is_table(), *variables, "variables has to be a table: [variables]");
-            for (auto const& [name, value] : *variables->as_table())
-                session_.variables[std::string(name)] = text(name, value);
+            for (auto const& [key, value] : *variables->as_table()) {
+                std::string const name(key);
+                require(is_known_variable(name), value,
+                        printable(unknown_name("variable", name, known_variables)));
+                session_.variables[name] = text(name, value);
+            }
         }
         if (toml::node const* const list = document.get("component")) {
             require(list->is_array_of_tables() || (list->is_array() && list->as_array()->empty()),

@@ -8,8 +8,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "installer/files.h"
 #include "installer/show.h"
+#include "trial/places.h"
 
 namespace fs = std::filesystem;
 using installer::Outcome;
@@ -19,12 +19,6 @@ using installer::show;
 namespace trial {
 
 namespace {
-
-std::string script_path(Session const& session) {
-    return installer::normalised(session.value("VORN_INSTALL_DIR") +
-                                 session.value("VORN_INSTALL_SUBDIR") + "/vorn/wb_deintegrate") +
-           ".sh";
-}
 
 /// Why this user cannot run the file, or nothing where that can be done.
 std::string why_not_executable(std::string const& file) {
@@ -43,11 +37,6 @@ void check_uninstall_script(std::string const& directory, Outcome& outcome) {
                      ", so what was set up stays; is it in the product, executable?");
 }
 
-bool is_same(fs::path const& one, fs::path const& other) {
-    std::error_code unreachable;
-    return fs::weakly_canonical(one, unreachable) == fs::weakly_canonical(other, unreachable);
-}
-
 /// What is wrong with the de-integration script, and what to do; nothing where it will do.
 std::string fault(std::string const& script, std::string const& removed, std::string const& copy) {
     std::error_code unreachable;
@@ -55,7 +44,7 @@ std::string fault(std::string const& script, std::string const& removed, std::st
     if (is_there && !fs::is_regular_file(script, unreachable))
         return "is no regular file; remove it and integrate again";
     std::string const obstacle = why_not_executable(script);
-    if (!removed.empty() && is_same(removed, copy))
+    if (!removed.empty() && is_same_place(removed, copy))
         return obstacle.empty() ? "" : obstacle + "; its mode has to be 0755, its mount not noexec";
     fs::path const written = is_there ? fs::path(script) : fs::path(script).parent_path();
     if (access(written.c_str(), W_OK) != 0)
@@ -68,10 +57,15 @@ std::string fault(std::string const& script, std::string const& removed, std::st
 
 } // namespace
 
+bool is_same_place(std::string const& one, std::string const& other) {
+    std::error_code unreachable;
+    return fs::weakly_canonical(one, unreachable) == fs::weakly_canonical(other, unreachable);
+}
+
 std::string copy_to_be_undone(Session const& session) {
     std::error_code unreachable;
-    if (!fs::is_regular_file(script_path(session), unreachable)) return "";
-    std::ifstream stream(script_path(session));
+    if (!fs::is_regular_file(deintegration_script(session), unreachable)) return "";
+    std::ifstream stream(deintegration_script(session));
     std::string const script{std::istreambuf_iterator<char>(stream), {}};
     std::size_t at = 0;
     auto const skip = [&](std::string const& text) {
@@ -95,22 +89,26 @@ std::string copy_to_be_undone(Session const& session) {
 
 void check_undo_is_possible(Session const& session, std::string const& earlier_copy,
                             Outcome& outcome) {
-    std::string const script = script_path(session);
+    std::string const script = deintegration_script(session);
     std::string const fault_of_script = fault(script, copy_to_be_undone(session), outcome.copy);
     if (!fault_of_script.empty())
         outcome.fail("the de-integration script " + show(script) + " " + fault_of_script);
     check_uninstall_script(outcome.copy, outcome);
     std::error_code unreachable;
-    if (fs::exists(earlier_copy, unreachable) && !is_same(earlier_copy, outcome.copy))
-        outcome.fail("the earlier integration in " + show(earlier_copy) +
-                     " has lost its de-integration script to this one; undo it by hand");
+    if (fs::exists(earlier_copy, unreachable) && !is_same_place(earlier_copy, outcome.copy))
+        outcome.fail(
+            "the earlier integration in " + show(earlier_copy) +
+            " has lost its de-integration script to this one, which is in another workbench "
+            "or has another configuration name; undo the earlier one by hand, and the next "
+            "time uninstall it first");
 }
 
 void check_before_undo(Session const& session, std::string const& copy, Outcome& outcome) {
     std::error_code unreachable;
-    std::string const script = script_path(session);
-    if (!fs::exists(script, unreachable)) return; // the command fails, and that is reported
-    if (copy.empty()) {
+    std::string const script = deintegration_script(session);
+    if (!fs::exists(script, unreachable)) {
+        outcome.fail_for_good("the product is not integrated: there is no " + show(script));
+    } else if (copy.empty()) {
         std::string fault = "is there only in part";
         if (access(script.c_str(), R_OK) != 0) fault = "cannot be read";
         else if (!fs::is_regular_file(script, unreachable)) fault = "is no regular file";

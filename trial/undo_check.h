@@ -14,6 +14,9 @@ namespace trial {
 /// it does not have them.
 std::string copy_to_be_undone(installer::Session const& session);
 
+/// Whether both lead to the same place, through links too.
+bool is_same_place(std::string const& one, std::string const& other);
+
 /// After an integration that made a copy, with the answer of `copy_to_be_undone` before it.
 void check_undo_is_possible(installer::Session const& session, std::string const& earlier_copy,
                             installer::Outcome& outcome);

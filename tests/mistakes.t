@@ -1,0 +1,122 @@
+A packager's mistakes, and what wb-trial says of them.
+
+  $ . "$TESTDIR/site.sh"
+
+A product without a mistake gets no warning:
+
+  $ wb install s.toml --set WB_INTEGRATION_PATH="$PWD/workbench" | grep -c -e warning -e note -e failed
+  0
+  [1]
+
+Each mistake is named before anything is run. What is done to the session or the product:
+
+  $ mistake() {
+  >     site
+  >     workbench=$PWD/workbench
+  >     eval "$1"
+  >     wb install s.toml --set WB_INTEGRATION_PATH="$workbench" "${@:2}" | sed -n '1,/^detect/s/^warning: //p' || :
+  > }
+  $ mistake 'workbench="~/wb"'
+  WB_INTEGRATION_PATH is "~/wb", and nothing but ${SESSION_DIR} is replaced in it; write the path out
+  $ mistake : --set 'VORN_INSTALL_DIR=${HOME}/product'
+  VORN_INSTALL_DIR is "${HOME}/product", and nothing but ${SESSION_DIR} is replaced in it; write the path out
+  $ mistake : --set DEFAULT_SEARCH_PATH='/opt/a  /opt/b'
+  DEFAULT_SEARCH_PATH has two blanks in a row, or begins with one; that is an empty directory, in which /install.properties would count; write single blanks
+  $ mistake 'workbench=workbench'
+  "workbench" is relative: the integration can be undone from this folder only; write it from the root
+  $ mistake : --set VORN_INSTALL_DIR=product
+  "product" is relative: the integration can be undone from this folder only; write it from the root
+  $ mistake : --set VORN_INSTALL_SUBDIR=suite
+  VORN_INSTALL_DIR and VORN_INSTALL_SUBDIR make "./productsuite", which is not there; is a slash missing before "suite"? Only for the location in preferences files a slash is put there.
+  $ mistake 'sed -i s,/suite/part,suite/part, s.toml'
+  VORN_INSTALL_DIR and subdir make "./productsuite/part", which is not there; is a slash missing before "suite/part"?
+  $ mistake 'sed -i s/workbench-part/PD-Workbench/ s.toml'
+  no component to be installed has "workbench" in its name: "PD-Workbench" (differs in case only)
+  $ mistake 'sed -i s/off-workbench.*false/a-workbench\"/ s.toml'
+  several components have "workbench" in their names; the first one counts, "a-workbench"
+  the listed path "share/wr-qev-1.0a/readme.txt" decides that the configuration is "wr-qev-1.0a", and there is no such directory in "./product"; its name has to be wr-qev- and four characters, its files listed first
+  $ mistake 'mv $config ${config}b; sed -i "s/wr-qev-1.0a/wr-qev-1.0ab/" s.toml'
+  the listed path "share/wr-qev-1.0ab/readme.txt" decides that the configuration is "wr-qev-1.0a", and there is no such directory in "./product/suite/part"; its name has to be wr-qev- and four characters, its files listed first
+  $ mistake 'sed -i "s/readme.txt/x/; s/wr-qev-1.0a/wr-qev-notes/" s.toml'
+  the listed path "share/wr-qev-notes/x" decides that the configuration is "wr-qev-note", and there is no such directory in "./product/suite/part"; its name has to be wr-qev- and four characters, its files listed first
+  $ mistake : --set WORKBENCH_SCRIPT_NAME=setup.sh
+  there is no "setup.sh.sh" in "./product/suite/part/wr-qev-1.0a/wr-setup/", but "setup.sh", "uninst_wr_qev.sh"; WORKBENCH_SCRIPT_NAME is written without .sh
+  $ mistake 'chmod -x $setup'
+  "./product/suite/part/wr-qev-1.0a/wr-setup/setup.sh" is not executable; chmod +x it
+  $ mistake 'chmod -x $config/wr-setup/uninst*'
+  "./product/suite/part/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not executable; chmod +x it
+  $ mistake 'sed -i "s/$/\r/" $setup'
+  "./product/suite/part/wr-qev-1.0a/wr-setup/setup.sh" has lines that end in a carriage return; save it with the line ends of Unix
+  $ mistake 'sed -i "1s|.*|#!/opt/absent/bash -e|" $config/wr-setup/uninst*'
+  "./product/suite/part/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" names "/opt/absent/bash" in its first line, which is not there
+  $ mistake : --set WB_PREFS=.ini
+  no listed path contains ".ini", the text in WB_PREFS
+  $ mistake 'mkdir $copy; touch $copy/other'
+  "./workbench/wr-qev-1.0a" is there, and not by this product, for no script of it names that; the next uninstall would remove both; give yours a name of its own
+  $ mistake 'integrate >/dev/null; mv $copy ${copy}2; sed -i s/1.0a/1.0a2/ $script'
+  this product is integrated as "workbench/wr-qev-1.0a2"; uninstall that first, for its de-integration script will be replaced
+
+Where there is no workbench that can be used:
+
+  $ stopped() {
+  >     wb install s.toml "$@" | grep ^Stopped || :
+  > }
+  $ echo '#hostname=1 name=3.1 name = 4' >workbench/install.properties
+  $ stopped --set WB_INTEGRATION_PATH=workbench --set SUPPORTED_VERSION='2;3.2;3.1'
+  Stopped: "workbench" is of no supported version: looked for "name=2", "name=3.2", and its install.properties has "#hostname=1", "name=3.1"; end each version in SUPPORTED_VERSION by ";", without blanks.
+  $ stopped --set WB_INTEGRATION_PATH=workbench --set SUPPORTED_VERSION=3.1
+  Stopped: "workbench" is of no supported version: looked for nothing, and its install.properties has "#hostname=1", "name=3.1"; end each version in SUPPORTED_VERSION by ";", without blanks.
+  $ stopped --set WB_INTEGRATION_PATH=workbench --set SUPPORTED_VERSION=
+  Stopped: SUPPORTED_VERSION is empty.
+  $ stopped --set WB_INTEGRATION_PATH=product
+  Stopped: "product" holds no file install.properties.
+  $ stopped --set DEFAULT_SEARCH_PATH='/opt/my bench'
+  Stopped: no directory in DEFAULT_SEARCH_PATH holds a file install.properties; tried: "/opt/my", "bench".
+
+A run that fails ends with all that failed. What only follows from a failure is none of its own:
+
+  $ mistake 'rm -r $config' >/dev/null
+  $ wb install s.toml --set WB_INTEGRATION_PATH=workbench | sed -n '/ failure/,$p'
+  1 failure:
+    perform_integration: dir_copy("./product/suite/part/wr-qev-1.0a", "workbench/wr-qev-1.0a") failed: No such file or directory: "./product/suite/part/wr-qev-1.0a"
+  [1]
+  $ wb uninstall s.toml | sed -n '/ failure/,$p'
+  1 failure:
+    perform_deintegration: the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not there, so what was set up stays; is it in the product, executable?
+  [1]
+  $ site; sed -i s/workbench-part/part/ s.toml
+  $ wb check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench | sed -n '/ failure/,$p'
+  1 failure:
+    check: nothing was checked, for nothing was integrated
+  [1]
+  $ wb install s.toml --set WB_INTEGRATION_PATH=workbench | grep Nothing
+  Nothing to integrate: no component to be installed has "workbench" in its name.
+
+Names that are not known, and a library that cannot be used; nothing is run:
+
+  $ refused chek s.toml
+  wb-trial: unknown command chek; did you mean check?
+  $ refused install s.toml --set WB_INTEGRATION_DIR=workbench
+  wb-trial: --set: unknown variable WB_INTEGRATION_DIR; did you mean WB_INTEGRATION_PATH?
+  $ echo 'WORKBENCH_SCRIPT = "setup"' >>s.toml; refused install s.toml
+  wb-trial: s.toml:14: unknown variable WORKBENCH_SCRIPT; did you mean WORKBENCH_SCRIPT_NAME?
+  $ refused install s.toml --plugin ''
+  --plugin: the name is empty
+
+In colours on a terminal, but not where NO_COLOR is set:
+
+  $ in_colors() {
+  >     site; echo 'exit 3' >>"$setup"
+  >     "$@" script -qec 'wb-trial check s.toml --no-sandbox --set WB_INTEGRATION_PATH="$PWD/workbench"' /dev/null |
+  >         cat -v | grep -o '\^\[\[3[0-9]m *[-+@A-Za-z]*' | sort -u
+  > }
+  $ in_colors env -u NO_COLOR
+  ^[[31m      -home
+  ^[[31m  failed
+  ^[[32m      +home
+  ^[[32m  A
+  ^[[32mThe
+  ^[[33m      
+  ^[[33m  M
+  ^[[36m      @@ (no-eol)
+  $ in_colors env NO_COLOR=1

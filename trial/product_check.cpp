@@ -1,0 +1,203 @@
+#include "trial/product_check.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+
+#include "installer/files.h"
+#include "installer/show.h"
+#include "trial/names.h"
+#include "trial/places.h"
+#include "trial/undo_check.h"
+
+namespace fs = std::filesystem;
+using installer::normalised;
+using installer::ProductComponent;
+using installer::Session;
+using installer::show;
+using Texts = std::vector<std::string>;
+
+namespace trial {
+
+namespace {
+
+constexpr char const* marker = "wr-qev-";
+constexpr std::size_t name_size = 11; // the marker and four characters
+
+bool holds(std::string const& text, std::string const& part) {
+    return text.find(part) != std::string::npos;
+}
+
+std::string in_lower_case(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char character) { return std::tolower(character); });
+    return text;
+}
+
+bool is_there(fs::path const& path) {
+    std::error_code unreachable;
+    return fs::exists(path, unreachable);
+}
+
+bool is_executable(fs::path const& file) {
+    std::error_code unreachable;
+    return (fs::status(file, unreachable).permissions() & fs::perms(0111)) != fs::perms::none;
+}
+
+/// Why a system cannot start the script, or nothing.
+std::string fault_of_first_line(fs::path const& script) {
+    std::string line;
+    std::getline(std::ifstream(script) >> std::noskipws, line);
+    if (!line.empty() && line.back() == '\r')
+        return "has lines that end in a carriage return; save it with the line ends of Unix";
+    if (line.compare(0, 2, "#!") != 0) return "";
+    std::size_t const begin = std::min(line.find_first_not_of(" \t", 2), line.size());
+    std::string const interpreter = line.substr(begin, line.find_first_of(" \t", begin) - begin);
+    return is_there(interpreter)
+               ? ""
+               : "names " + show(interpreter) + " in its first line, which is not there";
+}
+
+Texts names_in(fs::path const& directory) {
+    Texts names;
+    std::error_code absent;
+    for (fs::directory_entry const& entry : fs::directory_iterator(directory, absent))
+        names.push_back(entry.path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+class ProductCheck {
+  public:
+    explicit ProductCheck(Session const& session) : session_(session) {
+        for (auto const& component : session.components) {
+            if (!component || component->name.empty() || !component->install_condition) continue;
+            installed_.push_back(component.get());
+            if (holds(component->name, "workbench")) for_workbench_.push_back(component.get());
+        }
+    }
+
+    Texts find() {
+        check_paths();
+        check_components();
+        if (!for_workbench_.empty()) check_configuration();
+        check_preferences();
+        return std::move(mistakes_);
+    }
+
+  private:
+    void check_paths() {
+        for (char const* const name :
+             {"DEFAULT_SEARCH_PATH", "WB_INTEGRATION_PATH", "VORN_INSTALL_DIR", "log_file"}) {
+            std::string const value = session_.value(name);
+            if (holds(value, "${") || holds(" " + value, " ~"))
+                add(std::string(name) + " is " + show(value) +
+                    ", and nothing but ${SESSION_DIR} is replaced in it; write the path out");
+        }
+        if (holds(" " + session_.value("DEFAULT_SEARCH_PATH"), "  "))
+            add("DEFAULT_SEARCH_PATH has two blanks in a row, or begins with one; that is an empty "
+                "directory, in which /install.properties would count; write single blanks");
+        for (std::string const& directory :
+             {workbench_directory(session_), session_.value("VORN_INSTALL_DIR")})
+            if (!directory.empty() && std::string("/~$").find(directory[0]) == std::string::npos)
+                add(show(directory) + " is relative: the integration can be undone from this "
+                                      "folder only; write it from the root");
+        check_joined("VORN_INSTALL_SUBDIR", session_.value("VORN_INSTALL_SUBDIR"),
+                     " Only for the location in preferences files a slash is put there.");
+    }
+
+    void check_joined(std::string const& name, std::string const& value, char const* more) {
+        std::string const joined = session_.value("VORN_INSTALL_DIR") + value;
+        if (value.empty() || value[0] == '/' || is_there(joined)) return;
+        add("VORN_INSTALL_DIR and " + name + " make " + show(joined) +
+            ", which is not there; is a slash missing before " + show(value) + "?" + more);
+    }
+
+    void check_components() {
+        if (for_workbench_.empty() && !installed_.empty()) {
+            std::string names;
+            for (ProductComponent const* component : installed_) {
+                names += (names.empty() ? "" : ", ") + show(component->name);
+                if (holds(in_lower_case(component->name), "workbench"))
+                    names += " (differs in case only)";
+            }
+            add("no component to be installed has \"workbench\" in its name: " + names);
+        }
+        if (for_workbench_.size() > 1)
+            add("several components have \"workbench\" in their names; the first one counts, " +
+                show(for_workbench_[0]->name));
+    }
+
+    void check_configuration() {
+        std::string const& subdirectory = for_workbench_[0]->subdirectory;
+        check_joined("subdir", subdirectory, "");
+        std::string const deciding = first_listed_with(marker);
+        if (deciding.empty()) return;
+        std::string const name = normalised(deciding.substr(deciding.find(marker), name_size));
+        std::string const part = normalised(session_.value("VORN_INSTALL_DIR") + subdirectory);
+        if (is_there(part) && !is_there(part + "/" + name))
+            add("the listed path " + show(deciding) + " decides that the configuration is " +
+                show(name) + ", and there is no such directory in " + show(part) +
+                "; its name has to be wr-qev- and four characters, its files listed first");
+        if (is_there(part + "/" + name)) check_scripts(part + "/" + name + "/wr-setup/");
+        check_workbench(name);
+    }
+
+    void check_scripts(std::string const& directory) {
+        std::string const setup = session_.value("WORKBENCH_SCRIPT_NAME") + ".sh";
+        if (!is_there(directory + setup))
+            add("there is no " + show(setup) + " in " + show(directory) + ", but " +
+                enumerated(names_in(directory)) + "; WORKBENCH_SCRIPT_NAME is written without .sh");
+        for (std::string const& script : {directory + setup, directory + "uninst_wr_qev.sh"}) {
+            if (!is_there(script)) continue;
+            if (!is_executable(script)) add(show(script) + " is not executable; chmod +x it");
+            std::string const fault = fault_of_first_line(script);
+            if (!fault.empty()) add(show(script) + " " + fault);
+        }
+    }
+
+    void check_workbench(std::string const& configuration) {
+        fs::path const copy = fs::path(workbench_directory(session_)) / configuration;
+        fs::path const earlier = copy_to_be_undone(session_);
+        bool const is_own = is_same_place(earlier, copy);
+        if (!is_own && !names_in(copy).empty())
+            add(show(copy.string()) +
+                " is there, and not by this product, for no script of it "
+                "names that; the next uninstall would remove both; give yours a name of its own");
+        if (!is_own && is_there(earlier))
+            add("this product is integrated as " + show(earlier.string()) +
+                "; uninstall that first, for its de-integration script will be replaced");
+    }
+
+    void check_preferences() {
+        std::string const text = session_.value("WB_PREFS");
+        if (!text.empty() && first_listed_with(text, false).empty())
+            add("no listed path contains " + show(text) + ", the text in WB_PREFS");
+    }
+
+    std::string first_listed_with(std::string const& text, bool has_slashes = true) const {
+        for (ProductComponent const* component : installed_)
+            for (std::string file : component->file_provider->files) {
+                if (has_slashes) std::replace(file.begin(), file.end(), '\\', '/');
+                if (holds(file, text)) return file;
+            }
+        return "";
+    }
+
+    void add(std::string const& sentence) { mistakes_.push_back(sentence); }
+
+    Session const& session_;
+    std::vector<ProductComponent const*> installed_, for_workbench_;
+    Texts mistakes_;
+};
+
+} // namespace
+
+Texts find_mistakes(Session const& session) {
+    return ProductCheck(session).find();
+}
+
+} // namespace trial

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "installer/session.h"
+
+namespace trial {
+
+/// What can be seen to be wrong before an install: one sentence for each mistake in the session,
+/// the product's files and the workbench, with the cause and the remedy. Only looks.
+std::vector<std::string> find_mistakes(installer::Session const& session);
+
+} // namespace trial
