@@ -116,7 +116,6 @@ In colours on a terminal, but not where NO_COLOR is set:
   ^[[32m      +home
   ^[[32m  A
   ^[[32mThe
-  ^[[33m      
   ^[[33m  M
   ^[[36m      @@ (no-eol)
   $ in_colors env NO_COLOR=1

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <string_view>
 
 #include "installer/show.h"
 
@@ -18,20 +19,10 @@ constexpr char const* cyan = "36";
 
 /// The colours of git, for a change and for a line of a difference.
 char const* color_of(char letter) {
-    switch (letter) {
-    case 'A':
-    case '+':
-        return green;
-    case 'D':
-    case '-':
-        return red;
-    case '@':
-        return cyan;
-    case ' ':
-        return "";
-    default:
-        return yellow;
-    }
+    for (auto const& [letters, color] :
+         {std::pair("A+", green), {"D-", red}, {"MT", yellow}, {"@", cyan}})
+        if (std::string_view(letters).find(letter) != std::string_view::npos) return color;
+    return "";
 }
 
 bool wants_colors() {
