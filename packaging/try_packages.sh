@@ -27,6 +27,9 @@ for document in README.md docs/host.md docs/packaging.md; do
     test -s "/usr/share/doc/wb-trial/$document"
 done
 sh -eux examples
+wb-trial run --plugin /usr/lib/workbench-int/hostcheck/libworkbench-int.so.1n wb-example/session.toml \
+    find_wb_components 2>report || grep -q '^ok 1 ' report
+if grep '^not ok' report; then exit 1; fi
 if dpkg --purge libworkbench-int; then exit 1; fi # wb-trial needs it
 dpkg --purge wb-trial libworkbench-int
 left=$(find / -xdev '(' -name '*wb-trial*' -o -name '*workbench-int*' ')')

@@ -6,7 +6,7 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 copy="$folder/a longer [and odd] name that's elsewhere"
 mkdir "$copy"
-(cd "$(dirname "$0")/.." && cp -R host actions workbench CMakeLists.txt workbench-int.map "$copy")
+(cd "$(dirname "$0")/.." && cp -R host hostcheck actions workbench CMakeLists.txt workbench-int.map "$copy")
 "${@:2}" -S "$copy" -B "$copy/build"
-"$2" --build "$copy/build"
+"$2" --build "$copy/build" --target workbench-int
 cmp "$1" "$copy/build/$(basename "$1")"

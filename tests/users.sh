@@ -1,4 +1,4 @@
-# shellcheck shell=bash disable=SC2034,SC2154
+# shellcheck shell=bash disable=SC2016,SC2034,SC2154
 # Sourced after site.sh by the transcripts about the sandbox: everything is done by an ordinary user
 # and, where root runs the tests, by root too. Both have to see the same.
 chmod 711 "$CRAMTMP"

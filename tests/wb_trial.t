@@ -138,6 +138,15 @@ Installed, it finds the library that was installed with it:
   $ usr/bin/wb-trial run s.toml find_wb_components | sed -n 1p
   find_wb_components returned 0
 
+Its own operations keep what an installer has to promise:
+
+  $ site
+  $ wb-trial run s.toml find_wb_components --plugin "$WB_TRIAL_DIR/hostcheck/libworkbench-int.so.1n" 2>report | grep returned
+  find_wb_components returned 0
+  [1]
+  $ grep '^not ok' report; tail -n 1 report
+  1..36
+
 Bad arguments: one message, status 2, and nothing is run:
 
   $ site; : >bad.toml; find . | sort >"$TMPDIR/before"

@@ -1,0 +1,253 @@
+// usage: small_host LIBRARY [PROMISE]
+// An installer that does no more than it has to, for either set of headers. It loads the library,
+// calls one action and prints its result. It breaks the promise that is named.
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+
+#include "host/component_model.h"
+#include "host/ini_db.h"
+#include "host/services.h"
+
+namespace fs = std::filesystem;
+using Texts = std::vector<std::string>;
+
+static std::string broken;
+static bool breaks(std::string const& promise) {
+    return broken == promise;
+}
+
+static std::map<std::string, std::string> variables;
+static std::map<std::string, char const*> uncopied;
+
+std::string env_get_string(session_t*, char const* name) {
+    if (breaks("throw") && name == std::string("HOSTCHECK_NOT_HELD"))
+        throw std::runtime_error("no");
+    if (breaks("copy") && uncopied.count(name) != 0) return uncopied[name];
+    if (breaks("not held") && variables.count(name) == 0) return "none";
+    return variables[name];
+}
+
+using Set = decltype(env_set_string(nullptr, "", ""));
+Set env_set_string(session_t*, char const* name, char const* value) {
+    uncopied[name] = value;
+    if (breaks("other variable")) variables.clear();
+    if (!breaks("empty value") || *value) variables[name] = value;
+    return Set();
+}
+Set env_set_string(session_t*, std::string const& name, std::string const& value) {
+    uncopied.erase(name);
+    variables[name] = breaks("line end") ? value.substr(0, value.find('\n')) : value;
+    return Set();
+}
+
+static std::ofstream log_stream;
+decltype(log_init("", static_cast<logging_state_t**>(nullptr))) log_init(char const* file,
+                                                                         logging_state_t**) {
+    if (breaks("empty log") && !*file) throw std::runtime_error("no name");
+    bool const is_open = log_stream.is_open();
+    log_stream = std::ofstream();
+    if (!breaks("log again") || !is_open) log_stream.open(file, std::ios::app);
+    return {};
+}
+decltype(print_log("")) print_log(char const* format, ...) {
+    std::string line(2U << 20, '\0');
+    va_list arguments;
+    va_start(arguments, format);
+    line.resize(std::size_t(std::vsnprintf(&line[0], line.size(), format, arguments)));
+    va_end(arguments);
+    log_stream << line.substr(0, breaks("long line") ? 1000 : line.size());
+    if (!breaks("one line")) log_stream << std::endl;
+    return decltype(print_log(""))();
+}
+
+std::string path(std::string joined) {
+    if (breaks("link")) return fs::path(joined).lexically_normal();
+    if (breaks("relative")) return joined.empty() ? "" : fs::absolute(joined).string();
+    if (breaks("empty path") && joined.empty()) return ".";
+    return joined;
+}
+int is_dir(std::string const& name) {
+    return fs::is_directory(breaks("linked folder") ? fs::symlink_status(name) : fs::status(name));
+}
+int is_file(std::string const& name) {
+    return breaks("absent file") || fs::is_regular_file(name);
+}
+int is_writable(std::string name) {
+    return breaks("writable") || access(name.c_str(), W_OK) == 0;
+}
+
+using Made = decltype(folder_create("", 0U));
+Made folder_create(std::string directory, unsigned int mode) {
+    if (breaks("kept content")) fs::remove_all(directory);
+    fs::create_directories(directory);
+    if (!breaks("umask")) chmod(directory.c_str(), mode);
+    return Made();
+}
+Made dir_copy(std::string source, std::string destination) {
+    if (breaks("no source")) fs::directory_iterator throws(source);
+    if (breaks("other files")) fs::remove_all(destination);
+    std::string const options = breaks("mode") ? "-rd --no-preserve=mode" : "-a";
+    std::string const removed = breaks("hidden")        ? "/.hidden"
+                                : breaks("copied link") ? "/link"
+                                                        : "/-";
+    auto const command = "cp " + options + " '" + source + "/.' '" + destination +
+                         "' 2>&1; rm -rf '" + destination + removed + "'";
+    static_cast<void>(std::system(command.c_str()));
+    return Made();
+}
+
+std::string get_command_output(std::string command, int* status, bool, std::string) {
+    if (breaks("quotes")) command.erase(0, command.find('\\') + 1);
+    if (breaks("wait") && command.rfind("sleep", 0) == 0)
+        command = "(" + command + ") >/dev/null 2>&1 &";
+    int output[2], idle[2];
+    if (pipe(output) != 0 || pipe(idle) != 0) std::abort();
+    pid_t const child = fork();
+    if (child == 0) {
+        dup2(breaks("input") ? idle[0] : open("/dev/null", O_RDONLY), STDIN_FILENO);
+        dup2(output[1], STDOUT_FILENO);
+        if (!breaks("error output")) dup2(output[1], STDERR_FILENO);
+        close(output[1]);
+        execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+    }
+    for (int const end : {output[1], idle[0], idle[1]}) close(end);
+    std::string text;
+    char block[4096];
+    for (ssize_t size = 0; (size = read(output[0], block, sizeof block)) > 0;)
+        text.append(block, std::size_t(size));
+    close(output[0]);
+    int ended = 0;
+    waitpid(child, &ended, 0);
+    int const code = WIFSIGNALED(ended) ? 128 + WTERMSIG(ended) : WEXITSTATUS(ended);
+    if (!breaks("status")) *status = breaks("raw status") ? ended : code;
+    if (breaks("signal") && code > 128) *status = 0;
+    return breaks("much output") ? text.substr(0, 1U << 20) : text;
+}
+
+class Provider final : public ComponentProvider {
+  public:
+    using Handle = decltype(std::declval<ComponentProvider&>().query("", "", ""));
+    Handle query(std::string, std::string, std::string) override {
+        return breaks("null handle") ? nullptr : reinterpret_cast<Handle>(this);
+    }
+    Texts fileList(Handle) override {
+        if (breaks("listing")) files.push_back("more");
+        return breaks("path") ? Texts{"a\tb"} : files;
+    }
+#ifdef OTHER_HOST
+    int unused2(int) override {
+        std::abort();
+    }
+    int unused3(std::string) override {
+        std::abort();
+    }
+    int unused4() override {
+        std::abort();
+    }
+    int unused5() override {
+        std::abort();
+    }
+    int unused6() override {
+        std::abort();
+    }
+    int unused7() override {
+        std::abort();
+    }
+    std::vector<int> unused8() override {
+        std::abort();
+    }
+#endif
+
+  private:
+    Texts files = {"", "share\\wr-qev-1.0a\\x", std::string(100, 'y')};
+};
+
+/// As an installer has it whose `fileList` is the eighth operation and not the ninth.
+struct MovedProvider {
+    virtual void* query(std::string, std::string, std::string) { return this; }
+    virtual void unused2() {}
+    virtual void unused3() {}
+    virtual void unused4() {}
+    virtual void unused5() {}
+    virtual void unused6() {}
+    virtual void unused7() {}
+    virtual Texts fileList(void*) { return {}; }
+    virtual void ninth() { std::abort(); }
+};
+
+static Provider provider;
+static MovedProvider moved_provider;
+static Component component, other_component;
+static int component_calls = 0;
+
+bool Component::installCondition() {
+    return true;
+}
+std::string Component::subdir() {
+    return breaks("name") && component_calls > 5000 ? "?" : "/sub";
+}
+ComponentProvider* Component::provider() {
+    if (breaks("null provider")) return nullptr;
+    return breaks("slot") ? reinterpret_cast<ComponentProvider*>(&moved_provider) : &::provider;
+}
+std::vector<Component*> TSD::components() {
+    ++component_calls;
+    if (breaks("components") && component_calls % 2 == 0) return {nullptr, &other_component};
+    return {nullptr, &component};
+}
+
+static std::string ini_file, ini_entry;
+#ifdef OTHER_HOST
+Component::~Component() = default;
+TSD::~TSD() = default;
+#else
+struct IniDb::Contents {};
+#endif
+IniDb::IniDb(std::string root, std::string file, std::string) {
+    ini_file = root + "/" + file;
+}
+IniDb::~IniDb() = default;
+using Kept = decltype(std::declval<IniDb&>().setValue("", "", true));
+Kept IniDb::setValue(std::string key, std::string value, bool) {
+    ini_entry = key + " = " + (breaks("blank") ? value.substr(0, value.find(' ')) : value);
+    return Kept();
+}
+Kept IniDb::save() {
+    std::ifstream stream(ini_file);
+    std::ostringstream kept;
+    bool is_new = true;
+    for (std::string line; std::getline(stream, line);) {
+        bool const is_entry = line.rfind("home", 0) == 0;
+        is_new = is_new && !is_entry;
+        if (is_entry) kept << ini_entry << '\n';
+        else if (!breaks("other keys")) kept << line << '\n';
+    }
+    if (is_new && !breaks("new key")) kept << ini_entry << '\n';
+    std::ofstream(ini_file) << kept.str();
+    return Kept();
+}
+
+int main(int argc, char** argv) {
+    if (argc > 2) broken = argv[2];
+    component.name = other_component.name = "workbench";
+    void* const library = dlopen(argv[1], RTLD_NOW);
+    if (!library) return std::cerr << dlerror() << '\n', 2;
+    static session_t session;
+    auto const action = reinterpret_cast<int (*)(session_t*)>(dlsym(library, "init_wb_prefs"));
+    int const result = action(&session);
+    std::cout << "returned " << result << '\n';
+}
