@@ -38,7 +38,7 @@ void check_variables(Report& report, session_t* session) {
     report.promise("env_set_string", "another variable stays as it is", [&] {
         set("first");
         env_set_string(session, "HOSTCHECK_OTHER", "second");
-        std::string const fault = difference("first", held());
+        std::string fault = difference("first", held());
         env_set_string(session, "HOSTCHECK_OTHER", "");
         return fault;
     });

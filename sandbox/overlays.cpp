@@ -150,6 +150,7 @@ std::vector<Watched> mount_overlays(Coverage const& coverage, std::string const&
     for (auto const& [directory, of_directory] : layers) mounts[directory] = of_directory.overlay;
     for (auto const& [directory, mount] : mounts) put_in_place(mount, directory);
     std::vector<Watched> watched;
+    watched.reserve(layers.size());
     for (auto const& [directory, of_directory] : layers)
         watched.push_back(watch(directory, path_of(of_directory.lower), of_directory.upper));
     return watched;

@@ -18,7 +18,7 @@ std::vector<std::string> search_path(Session const& session) {
 }
 
 std::string workbench_directory(Session const& session) {
-    std::string const choice = session.value("WB_INTEGRATION_PATH");
+    std::string choice = session.value("WB_INTEGRATION_PATH");
     if (!choice.empty()) return choice;
     std::error_code absent;
     for (std::string const& name : search_path(session))

@@ -21,6 +21,7 @@ Plugin::Action Plugin::action(std::string const& name) const {
 }
 
 fs::path bundled_plugin() {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     auto const* const program = reinterpret_cast<char const*>(getauxval(AT_EXECFN));
     fs::path const directory =
         fs::canonical(program).parent_path(); // without /proc, which may lack
