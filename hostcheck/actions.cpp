@@ -1,6 +1,5 @@
 #include <sys/stat.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -14,17 +13,15 @@ namespace fs = std::filesystem;
 namespace hostcheck {
 
 void Report::write(std::string const& line) {
-    char const* const file = std::getenv("HOSTCHECK_REPORT");
-    if (!file ||
-        !(std::ofstream(file, lines.empty() ? std::ios::out : std::ios::app) << line << '\n'))
-        std::cerr << line << std::endl;
     lines.push_back(line);
+    char const* const file = std::getenv("HOSTCHECK_REPORT");
+    auto const mode = lines.size() == 1 ? std::ios::out : std::ios::app;
+    if (!file || !(std::ofstream(file, mode) << line << '\n')) std::cerr << line << std::endl;
 }
 
-void Report::promise(char const* operation, char const* text,
-                     std::function<std::string()> const& fault) {
+void Report::promise(char const* operation, char const* text, std::function<Fault()> const& fault) {
     write(std::string("# calling ") + operation);
-    std::string found;
+    Fault found;
     try {
         found = fault();
     } catch (std::exception const& error) {
@@ -32,21 +29,22 @@ void Report::promise(char const* operation, char const* text,
     } catch (...) {
         found = "something came out that is no std::exception";
     }
-    std::string const number = std::to_string(++count);
-    write((found.empty() ? "ok " : "not ok ") + number + " - " + operation + ": " + text);
+    write((found.empty() ? "ok " : "not ok ") + std::to_string(++count) + " - " + operation + ": " +
+          text);
     if (found.empty()) return;
     write("  # " + found);
     failed.insert(operation);
 }
 
-std::string difference(std::string const& expected, std::string const& found) {
-    auto const shown = [](std::string text) {
-        std::string const size = text.size() > 200 ? "... of " + std::to_string(text.size()) : "";
-        text.resize(std::min(text.size(), std::size_t{200}));
-        for (char& character : text)
-            if (static_cast<unsigned char>(character) < ' ') character = '?';
-        return '"' + text + '"' + size;
-    };
+static std::string shown(std::string text) {
+    std::string const size = text.size() > 200 ? "... of " + std::to_string(text.size()) : "";
+    text.resize(std::min(text.size(), std::size_t{200}));
+    for (char& character : text)
+        if (static_cast<unsigned char>(character) < ' ') character = '?';
+    return '"' + text + '"' + size;
+}
+
+Fault difference(std::string const& expected, std::string const& found) {
     return expected == found ? "" : "expected " + shown(expected) + ", found " + shown(found) + " ";
 }
 
@@ -59,10 +57,8 @@ void write_file(std::string const& file, std::string const& text, unsigned int m
     chmod(file.c_str(), mode);
 }
 
-namespace {
-
 /// Sends the report to the installer's log too, as far as that works.
-void log_report(session_t* session, Report const& report) try {
+static void log_report(session_t* session, Report const& report) try {
     logging_state_t** const no_state = nullptr;
     log_init(env_get_string(session, "log_file").c_str(), no_state);
     for (std::string const& line : report.lines) print_log("hostcheck: %s", line.c_str());
@@ -71,7 +67,7 @@ void log_report(session_t* session, Report const& report) try {
 }
 
 /// Returns how many operations broke a promise.
-int check_installer(session_t* session) {
+static int check_installer(session_t* session) {
     std::string folder = fs::temp_directory_path() / "hostcheck-XXXXXX";
     if (!mkdtemp(folder.data())) return std::perror(folder.c_str()), 1;
     Report report;
@@ -86,16 +82,13 @@ int check_installer(session_t* session) {
     check_components(report, session);
     report.write("1.." + std::to_string(report.count));
     log_report(session, report);
-    std::error_code is_left;
-    fs::remove_all(folder, is_left);
+    fs::remove_all(folder);
     return int(report.failed.size());
 }
 
-} // namespace
-
 } // namespace hostcheck
 
-// Whichever action the installer calls first tries it; all return the same.
+// Whichever action the installer calls first tries it. All return the same.
 extern "C" {
 int find_wb_components(session_t* session) {
     static int const failed = hostcheck::check_installer(session);

@@ -1,12 +1,10 @@
+#include <tuple>
+
 #include "host/services.h"
 #include "hostcheck/hostcheck.h"
 
-namespace hostcheck {
-
-namespace {
-
 /// One word of a command line, as the plug-in quotes it.
-std::string quoted(std::string const& text) {
+static std::string quoted(std::string const& text) {
     std::string word = "\"";
     for (char const character : text) {
         if (std::string("\"$`\\").find(character) != std::string::npos) word += '\\';
@@ -15,52 +13,40 @@ std::string quoted(std::string const& text) {
     return word + '"';
 }
 
-std::string output_of(std::string const& command) {
+static std::pair<std::string, std::string> run(std::string const& command) {
     int status = 0;
-    return get_command_output(command, &status, true, std::string());
+    std::string output = get_command_output(command, &status, true, std::string());
+    return {std::to_string(status), output};
 }
 
-std::string status_of(std::string const& command) {
-    int status = 0;
-    get_command_output(command, &status, true, std::string());
-    return std::to_string(status);
-}
-
-} // namespace
-
-void check_commands(Report& report, std::string const& folder) {
-    auto const promise = [&](char const* text, std::function<std::string()> const& fault) {
+void hostcheck::check_commands(Report& report, std::string const& folder) {
+    auto const promise = [&](char const* text, std::function<Fault()> const& fault) {
         report.promise("get_command_output", text, fault);
     };
     write_file(folder + "/not-executable", "#!/bin/sh\n");
     promise("the command's status is stored", [&] {
-        return difference("0", status_of("true")) + difference("3", status_of("exit 3")) +
-               difference("126", status_of(quoted(folder + "/not-executable"))) +
-               difference("127", status_of(quoted(folder + "/absent")));
+        return difference("0", run("true").first) + difference("3", run("exit 3").first) +
+               difference("126", run(quoted(folder + "/not-executable")).first) +
+               difference("127", run(quoted(folder + "/absent")).first);
     });
     promise("the status is not 0 where a signal ended the command",
-            [&] { return status_of("kill -9 $$") == "0" ? "it is 0" : ""; });
-    promise("the output of both streams is returned", [&] {
-        std::string const output = output_of("echo one; echo two >&2");
-        bool const has_both = output.find("one\n") + 1 > 0 && output.find("two\n") + 1 > 0;
-        return has_both ? "" : difference("one\ntwo\n", output);
-    });
+            [&] { return run("kill -9 $$").first == "0" ? "it is 0" : ""; });
+    promise("the output of both streams is returned",
+            [&] { return difference("one\ntwo\n", run("echo one; echo two >&2").second); });
     promise("8 MiB of output are complete", [&] {
         return difference(std::string(8U << 20, 'x'),
-                          output_of("head -c 8388608 /dev/zero | tr '[:cntrl:]' x"));
+                          run("head -c 8388608 /dev/zero | tr '[:cntrl:]' x").second);
     });
     promise("a shell reads what stands between double quotes", [&] {
         std::string const script = folder + "/a b$c`d\\e\"f'g.sh";
         std::string const argument = "$HOME `true` \\\\ \" x";
         write_file(script, "#!/bin/sh\nprintf %s \"$1\"\n", 0755);
-        return difference(argument, output_of(quoted(script) + " " + quoted(argument)));
+        return difference(argument, run(quoted(script) + " " + quoted(argument)).second);
     });
     promise("it returns after the command has ended", [&] {
-        output_of("sleep 0.1; echo done >" + quoted(folder + "/done"));
+        run("sleep 0.1; echo done >" + quoted(folder + "/done"));
         return difference("done\n", read_file(folder + "/done"));
     });
     promise("standard input does not hold the command up",
-            [&] { return status_of("timeout 5 cat") == "124" ? "it waits for input" : ""; });
+            [&] { return run("timeout 5 cat").first == "124" ? "it waits for input" : ""; });
 }
-
-} // namespace hostcheck

@@ -7,58 +7,45 @@
 
 namespace fs = std::filesystem;
 
-namespace hostcheck {
-
-namespace {
-
-std::string mode_of(std::string const& name) {
+static hostcheck::Fault wrong_mode(std::string const& name, unsigned int made) {
     struct stat status {};
-    char text[] = "nothing";
-    if (stat(name.c_str(), &status) == 0)
-        std::snprintf(text, sizeof text, "%04o", status.st_mode & 07777U);
-    return text;
+    if (stat(name.c_str(), &status) != 0) return name + " is not there";
+    char text[40];
+    std::snprintf(text, sizeof text, "made %04o, found %04o in ", made, status.st_mode & 07777U);
+    return (status.st_mode & 07777U) == made ? "" : text + name;
 }
 
-std::string wrong_mode(std::string const& name, std::string const& made) {
-    std::string const found = mode_of(name);
-    return made == found ? "" : "made " + made + ", found " + found + " in " + name;
-}
-
-} // namespace
-
-void check_files(Report& report, std::string const& folder) {
-    std::string const source = folder + "/source", copy = folder + "/copy";
-    std::string const created = folder + "/new/inner";
+void hostcheck::check_files(Report& report, std::string const& folder) {
+    std::string const source = folder + "/source", copy = folder + "/copy", deep = "/a b/deep";
     report.promise("folder_create", "it and those above it are there, with mode 0755", [&] {
         mode_t const mask = umask(077);
-        folder_create(created, 0755U);
+        folder_create(folder + "/new/inner", 0755U);
         umask(mask);
-        return wrong_mode(created, "0755");
+        return wrong_mode(folder + "/new/inner", 0755);
     });
+    for (std::string const& name : {folder + "/kept", source + deep, copy + deep})
+        fs::create_directories(name);
     report.promise("folder_create", "one that is there keeps its content", [&] {
-        fs::create_directories(created);
-        write_file(created + "/file", "kept");
-        folder_create(created, 0755U);
-        return difference("kept", read_file(created + "/file"));
+        write_file(folder + "/kept/file", "kept");
+        folder_create(folder + "/kept", 0755U);
+        return difference("kept", read_file(folder + "/kept/file"));
     });
 
-    fs::create_directories(source + "/a b/deep");
-    fs::create_directories(copy + "/a b/deep");
-    write_file(source + "/a b/deep/file", "new");
+    write_file(source + deep + "/file", "new");
     write_file(source + "/empty", "");
     write_file(source + "/.hidden", "hidden");
     write_file(source + "/script.sh", "#!/bin/sh\n", 0750);
     fs::create_symlink("script.sh", source + "/link");
-    write_file(copy + "/a b/deep/file", "old");
+    write_file(copy + deep + "/file", "old");
     write_file(copy + "/older", "older");
     report.promise("dir_copy", "all is copied, into folders and over files that are there", [&] {
         dir_copy(source, copy);
-        return difference("new", read_file(copy + "/a b/deep/file")) +
+        return difference("new", read_file(copy + deep + "/file")) +
                difference("hidden", read_file(copy + "/.hidden")) +
                (fs::exists(copy + "/empty") ? "" : "the empty file is not there");
     });
     report.promise("dir_copy", "a file's mode is kept",
-                   [&] { return wrong_mode(copy + "/script.sh", "0750"); });
+                   [&] { return wrong_mode(copy + "/script.sh", 0750); });
     report.promise("dir_copy", "a link leads to the same content",
                    [&] { return difference("#!/bin/sh\n", read_file(copy + "/link")); });
     report.promise("dir_copy", "other files in the destination stay",
@@ -68,5 +55,3 @@ void check_files(Report& report, std::string const& folder) {
         return "";
     });
 }
-
-} // namespace hostcheck

@@ -11,24 +11,22 @@ struct session_t;
 
 namespace hostcheck {
 
-/// A report in the Test Anything Protocol, on standard error or in the file that HOSTCHECK_REPORT
-/// names. Each line is written at once, so that the last one says where a crash was.
+/// What is wrong, or nothing.
+using Fault = std::string;
+
+/// A report in the Test Anything Protocol. Each line is written at once, to standard error or to
+/// the file that HOSTCHECK_REPORT names, so that the last one says where a crash was.
 struct Report {
     std::vector<std::string> lines;
     std::set<std::string> failed; ///< operations
     int count = 0;
 
     void write(std::string const& line);
-
-    /// Tries one promise of an operation. `fault` returns what is wrong, or nothing; what it throws
-    /// is wrong too.
-    void promise(char const* operation, char const* text,
-                 std::function<std::string()> const& fault);
+    /// Tries one promise of an operation. What `fault` throws is a fault too.
+    void promise(char const* operation, char const* text, std::function<Fault()> const& fault);
 };
 
-/// What is wrong where the two are not the same, else nothing.
-std::string difference(std::string const& expected, std::string const& found);
-
+Fault difference(std::string const& expected, std::string const& found);
 std::string read_file(std::string const& file);
 void write_file(std::string const& file, std::string const& text, unsigned int mode = 0644);
 

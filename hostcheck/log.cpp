@@ -1,10 +1,8 @@
 #include "host/services.h"
 #include "hostcheck/hostcheck.h"
 
-namespace hostcheck {
-
-void check_log(Report& report, std::string const& folder) {
-    auto const open_log = [](std::string const& file) {
+void hostcheck::check_log(Report& report, std::string const& folder) {
+    auto const open_log = [&](std::string const& file) {
         logging_state_t** const no_state = nullptr;
         log_init(file.c_str(), no_state);
     };
@@ -14,7 +12,7 @@ void check_log(Report& report, std::string const& folder) {
         std::string const found = read_file(log);
         return found.find(text) != std::string::npos ? "" : difference(text, found);
     };
-    std::string const log = folder + "/log";
+    std::string const log = folder + "/log", lines = folder + "/lines", values = folder + "/values";
     report.promise("log_init", "the lines that follow go to that file, the second time too", [&] {
         open_log(log);
         open_log(log);
@@ -27,17 +25,15 @@ void check_log(Report& report, std::string const& folder) {
         return "";
     });
     report.promise("print_log", "one call makes one line", [&] {
-        open_log(folder + "/lines");
+        open_log(lines);
         print_log("hostcheck: %s and %s", "two", "three");
         print_log("hostcheck: four");
-        return lacks(folder + "/lines", "hostcheck: two and three\n");
+        return lacks(lines, "hostcheck: two and three\n");
     });
     report.promise("print_log", "a value is written as it is", [&] {
         std::string const value = "100% %s %n " + std::string(1U << 20, 'x') + " end";
-        open_log(folder + "/values");
+        open_log(values);
         print_log("hostcheck: %s", value.c_str());
-        return lacks(folder + "/values", value);
+        return lacks(values, value);
     });
 }
-
-} // namespace hostcheck

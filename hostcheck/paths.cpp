@@ -8,29 +8,27 @@
 
 namespace fs = std::filesystem;
 
-namespace hostcheck {
+static hostcheck::Fault wrong(std::string const& name, int answer, bool expected) {
+    return (answer != 0) == expected ? ""
+                                     : name + ": the answer is " + std::to_string(answer) + " ";
+}
 
-void check_paths(Report& report, std::string const& folder) {
-    std::string const odd = folder + "/a b'\"$`\\c";
-    std::string const closed = folder + "/read-only";
-    fs::create_directories(odd + "/deep");
-    fs::create_directories(folder + "/elsewhere/deep");
-    fs::create_directory(closed);
+void hostcheck::check_paths(Report& report, std::string const& folder) {
+    std::string const odd = folder + "/a b'\"$`\\c", closed = folder + "/read-only";
+    for (std::string const& name : {odd + "/deep", folder + "/elsewhere/deep", closed})
+        fs::create_directories(name);
     fs::permissions(closed, fs::perms(0555));
-    write_file(folder + "/file", "");
-    write_file(folder + "/elsewhere/file", "");
-    fs::create_directory_symlink("elsewhere/deep", folder + "/link");
-    fs::create_symlink("file", folder + "/link-to-file");
-    fs::create_symlink("absent", folder + "/dangling");
+    for (char const* const file : {"/file", "/elsewhere/file"}) write_file(folder + file, "");
+    for (auto const& [target, link] :
+         {std::pair("elsewhere/deep", "/link"), {"file", "/link-to-file"}, {"absent", "/dangling"}})
+        fs::create_symlink(target, folder + link);
 
     report.promise("path", "its form leads to the same place", [&] {
-        std::string fault;
+        Fault fault;
+        std::error_code absent;
         for (std::string const& name :
-             {odd + "//deep", odd + "/deep///", folder + "/./file", folder + "/link/../file"}) {
-            std::string const formed = path(name);
-            std::error_code absent;
-            if (!fs::equivalent(name, formed, absent)) fault += difference(name, formed);
-        }
+             {odd + "//deep", odd + "/deep///", folder + "/./file", folder + "/link/../file"})
+            if (!fs::equivalent(name, path(name), absent)) fault += difference(name, path(name));
         return fault;
     });
     report.promise("path", "a relative path stays relative, an empty one empty", [&] {
@@ -38,22 +36,21 @@ void check_paths(Report& report, std::string const& folder) {
         bool const is_relative = !relative.empty() && relative[0] != '/';
         return (is_relative ? "" : difference("a/b", relative)) + difference("", path(""));
     });
-    auto const wrong = [](std::string const& name, int answer, bool expected) {
-        return (answer != 0) == expected ? ""
-                                         : name + ": the answer is " + std::to_string(answer) + " ";
-    };
     report.promise("is_dir", "not 0 for a directory, behind a link too, and for nothing else", [&] {
-        return wrong("a directory", is_dir(odd), true) +
-               wrong("a link", is_dir(folder + "/link"), true) +
-               wrong("a file", is_dir(folder + "/file"), false) +
-               wrong("a dangling link", is_dir(folder + "/dangling"), false) +
-               wrong("nothing", is_dir(folder + "/absent"), false);
+        Fault fault;
+        for (char const* const name : {"/elsewhere", "/link"})
+            fault += wrong(name, is_dir(folder + name), true);
+        for (char const* const name : {"/file", "/dangling", "/absent"})
+            fault += wrong(name, is_dir(folder + name), false);
+        return fault;
     });
     report.promise("is_file", "not 0 for a file, behind a link too, and 0 for nothing", [&] {
-        return wrong("a file", is_file(folder + "/file"), true) +
-               wrong("a link", is_file(folder + "/link-to-file"), true) +
-               wrong("a dangling link", is_file(folder + "/dangling"), false) +
-               wrong("nothing", is_file(folder + "/absent"), false);
+        Fault fault;
+        for (char const* const name : {"/file", "/link-to-file"})
+            fault += wrong(name, is_file(folder + name), true);
+        for (char const* const name : {"/dangling", "/absent"})
+            fault += wrong(name, is_file(folder + name), false);
+        return fault;
     });
     report.promise("is_writable", "not 0 where this process can write, and nowhere else", [&] {
         bool const can_write = faccessat(AT_FDCWD, closed.c_str(), W_OK, AT_EACCESS) == 0;
@@ -62,5 +59,3 @@ void check_paths(Report& report, std::string const& folder) {
                wrong("nothing", is_writable(folder + "/absent"), false);
     });
 }
-
-} // namespace hostcheck

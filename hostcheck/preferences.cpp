@@ -5,26 +5,16 @@
 
 #include "hostcheck/hostcheck.h"
 
-namespace hostcheck {
-
-namespace {
-
-std::string trimmed(std::string const& text) {
-    std::size_t const begin = std::min(text.find_first_not_of(" \t\r"), text.size());
-    return text.substr(begin, text.find_last_not_of(" \t\r") + 1 - begin);
-}
-
-std::string value_in(std::string const& file, std::string const& key) {
-    std::istringstream lines(read_file(file));
+static std::string value_in(std::string const& file, std::string const& key) {
+    std::istringstream lines(hostcheck::read_file(file));
     for (std::string line; std::getline(lines, line);)
-        if (trimmed(line.substr(0, line.find('='))) == key)
-            return trimmed(line.substr(line.find('=') + 1));
+        if (line.rfind(key, 0) == 0 && line.find('=') != std::string::npos)
+            return line.substr(
+                std::min(line.find_first_not_of(" \t", line.find('=') + 1), line.size()));
     return "no such key";
 }
 
-} // namespace
-
-void check_preferences(Report& report, std::string const& folder) {
+void hostcheck::check_preferences(Report& report, std::string const& folder) {
     std::string const with_key = folder + "/with.prefs", without_key = folder + "/without.prefs";
     auto const set = [&](char const* file, std::string const& value) {
         auto const preferences = std::make_unique<IniDb>(folder, file, std::string("="));
@@ -47,5 +37,3 @@ void check_preferences(Report& report, std::string const& folder) {
                difference("1", value_in(without_key, "first"));
     });
 }
-
-} // namespace hostcheck
