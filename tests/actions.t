@@ -64,18 +64,10 @@ The component that answers for the workbench, for lists of names:
 An integration that cannot begin touches nothing:
 
   $ find . | sort >"$TMPDIR/before"
-  $ wb run s.toml perform_integration --set WB_INTEGRATION_PATH=workbench/install.properties/
-  perform_integration returned -1
-    failed: no configuration is listed, or the workbench is no directory
-  1 failure:
-    perform_integration: no configuration is listed, or the workbench is no directory
-  [1]
-  $ wb run names.toml perform_integration --set log_file=log --set WB_INTEGRATION_PATH=absent
-  perform_integration returned -1
-    failed: no configuration is listed, or the workbench is no directory
-  1 failure:
-    perform_integration: no configuration is listed, or the workbench is no directory
-  [1]
+  $ failures wb run s.toml perform_integration --set WB_INTEGRATION_PATH=workbench/install.properties/
+  no configuration is listed, or the workbench is no directory
+  $ failures wb run names.toml perform_integration --set log_file=log --set WB_INTEGRATION_PATH=absent
+  no configuration is listed, or the workbench is no directory
   $ grep -e 'not supported$' -e 'not a directory$' log | tail -n 2
   workbench_int: workbench path: workbench/install.properties does not exist or not a directory
   workbench_int: workbench integration is not supported
@@ -107,13 +99,3 @@ Where no variable is set, every action still runs to its end and names what it m
   perform_deintegration returned 0 VORN_INSTALL_DIR VORN_INSTALL_SUBDIR log_file 1
   init_wb_prefs returned 0 VORN_INSTALL_DIR VORN_INSTALL_SUBDIR 0
   $ find . | sort | diff "$TMPDIR/before" -
-
-Its log and the trace go to standard error, all else to standard output:
-
-  $ wb-trial run --trace empty.toml find_wb_components 2>/dev/null
-  find_wb_components returned 0
-    WB_INTEGRATION_SUPPORTED = "no"
-    warning: log_file was read and is not set
-  $ wb-trial run --trace empty.toml find_wb_components 2>&1 >/dev/null | grep -e log_init -e '^workbench_int: find'
-  log_init("") = 0
-  workbench_int: find_wb_components entered

@@ -29,44 +29,26 @@ done <<'TABLE'
 throw: env_get_string string,returned 1
 copy: env_set_string copied,returned 1
 not held: env_get_string string,returned 1
-other variable: env_set_string is,returned 1
-empty value: env_set_string emptied,returned 1
-line end: env_set_string strings,returned 1
-empty log: log_init accepted,returned 1
 log again: log_init too,returned 1
 long line: print_log is,returned 1
-one line: print_log line,returned 1
 link: path place,returned 1
 relative: path empty,returned 1
-empty path: path empty,returned 1
 linked folder: is_dir else,returned 1
-absent file: is_file nothing,returned 1
 writable: is_writable else,returned 1
 kept content: folder_create content,returned 1
 umask: folder_create 0755,returned 1
-no source: dir_copy source,returned 1
-other files: dir_copy stay,returned 1
 mode: dir_copy kept,returned 1
-hidden: dir_copy there,returned 1
-copied link: dir_copy content,returned 1
 quotes: get_command_output quotes,returned 1
 wait: get_command_output ended,returned 1
 input: get_command_output up,returned 1
-error output: get_command_output returned,returned 1
 status: get_command_output stored,get_command_output command,returned 1
-raw status: get_command_output stored,returned 1
-signal: get_command_output command,returned 1
 much output: get_command_output complete,returned 1
-null handle: returned 0
-listing: fileList same,returned 1
 path: fileList paths,returned 1
 name: components calls,returned 1
 null provider: returned 0
 slot: # calling fileList
 components: components components,returned 1
-blank: IniDb blanks,returned 1
 other keys: IniDb kept,returned 1
-new key: IniDb added,returned 1
 TABLE
 left=$(compgen -G "$TMPDIR/hostcheck-*" | wc -l)
 [ "$left" -eq 1 ] || { # of the host that crashed

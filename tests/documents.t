@@ -26,10 +26,7 @@ What is completed: options, commands, actions and the variables that docs/host.m
   >     . "$root/packaging/wb-trial.bash"
   >     read -ra COMP_WORDS <<<"${1//=/ = }:"
   >     COMP_WORDS[-1]=${COMP_WORDS[-1]%:}
-  >     COMP_LINE=$1
-  >     COMP_POINT=${#1}
-  >     COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
-  >     COMP_TYPE=9
+  >     COMP_LINE=$1 COMP_POINT=${#1} COMP_CWORD=$((${#COMP_WORDS[@]} - 1)) COMP_TYPE=9
   >     "$(complete -p wb-trial | grep -o '_[a-z_]*')" wb-trial "${COMP_WORDS[-1]}" "${COMP_WORDS[-2]}" 2>/dev/null
   >     printf '%s\n' "${COMPREPLY[@]}" | LC_ALL=C sort -u
   > )

