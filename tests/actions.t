@@ -75,13 +75,12 @@ An integration that cannot begin touches nothing:
 
 The files that a marker finds to be preferences files:
 
-  $ for marker in .prefs 1.0a/a.p part .PREFS ''; do
+  $ for marker in .prefs part .PREFS ''; do
   >     site
   >     wb run s.toml init_wb_prefs --set WB_PREFS="$marker" >/dev/null
   >     echo "'$marker' $(grep -c home=. "$prefs")"
   > done
   '.prefs' 1
-  '1.0a/a.p' 1
   'part' 1
   '.PREFS' 0
   '' 0

@@ -1,3 +1,4 @@
+#include <regex>
 #include <typeinfo>
 #include <utility>
 
@@ -31,7 +32,8 @@ TEST(Actions, MakeTheseHostCallsAndNoOthers) {
     }
     for (std::size_t at = 0; (at = shown.find(site.root)) != std::string::npos;)
         shown.erase(at, site.root.size());
-    EXPECT_EQ(shown, read_file(TESTS "/expected_calls.txt"));
+    std::string const expected = read_file(TESTS "/expected_calls.txt");
+    EXPECT_EQ(shown, std::regex_replace(expected, std::regex("#.*\n"), ""));
 
     site.host.session.variables["SUPPORTED_VERSION"] = "";
     site.run(workbench_int::validate_wb_path);

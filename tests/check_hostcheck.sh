@@ -44,8 +44,6 @@ input: get_command_output up,returned 1
 status: get_command_output stored,get_command_output command,returned 1
 much output: get_command_output complete,returned 1
 path: fileList paths,returned 1
-name: components calls,returned 1
-null provider: returned 0
 slot: # calling fileList
 components: components components,returned 1
 other keys: IniDb kept,returned 1

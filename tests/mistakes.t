@@ -18,18 +18,12 @@ Each mistake is named before anything is run. What is done to the session or the
   > }
   $ mistake 'workbench="~/wb"'
   WB_INTEGRATION_PATH is "~/wb", and nothing but ${SESSION_DIR} is replaced in it; write the path out
-  $ mistake : --set 'VORN_INSTALL_DIR=${HOME}/product'
-  VORN_INSTALL_DIR is "${HOME}/product", and nothing but ${SESSION_DIR} is replaced in it; write the path out
   $ mistake : --set DEFAULT_SEARCH_PATH='/opt/a  /opt/b'
   DEFAULT_SEARCH_PATH has two blanks in a row, or begins with one; that is an empty directory, in which /install.properties would count; write single blanks
   $ mistake 'workbench=workbench'
   "workbench" is relative: the integration can be undone from this folder only; write it from the root
-  $ mistake : --set VORN_INSTALL_DIR=product
-  "product" is relative: the integration can be undone from this folder only; write it from the root
   $ mistake : --set VORN_INSTALL_SUBDIR=suite
   VORN_INSTALL_DIR and VORN_INSTALL_SUBDIR make "./productsuite", which is not there; is a slash missing before "suite"? Only for the location in preferences files a slash is put there.
-  $ mistake 'sed -i s,/suite/part,suite/part, s.toml'
-  VORN_INSTALL_DIR and subdir make "./productsuite/part", which is not there; is a slash missing before "suite/part"?
   $ mistake 'sed -i s/workbench-part/PD-Workbench/ s.toml'
   no component to be installed has "workbench" in its name: "PD-Workbench" (differs in case only)
   $ mistake 'sed -i s/off-workbench.*false/a-workbench\"/ s.toml'
@@ -37,14 +31,10 @@ Each mistake is named before anything is run. What is done to the session or the
   the listed path "share/wr-qev-1.0a/readme.txt" decides that the configuration is "wr-qev-1.0a", and there is no such directory in "./product"; its name has to be wr-qev- and four characters, its files listed first
   $ mistake 'mv $config ${config}b; sed -i "s/wr-qev-1.0a/wr-qev-1.0ab/" s.toml'
   the listed path "share/wr-qev-1.0ab/readme.txt" decides that the configuration is "wr-qev-1.0a", and there is no such directory in "./product/suite/part"; its name has to be wr-qev- and four characters, its files listed first
-  $ mistake 'sed -i "s/readme.txt/x/; s/wr-qev-1.0a/wr-qev-notes/" s.toml'
-  the listed path "share/wr-qev-notes/x" decides that the configuration is "wr-qev-note", and there is no such directory in "./product/suite/part"; its name has to be wr-qev- and four characters, its files listed first
   $ mistake : --set WORKBENCH_SCRIPT_NAME=setup.sh
   there is no "setup.sh.sh" in "./product/suite/part/wr-qev-1.0a/wr-setup/", but "setup.sh", "uninst_wr_qev.sh"; WORKBENCH_SCRIPT_NAME is written without .sh
   $ mistake 'chmod -x $setup'
   "./product/suite/part/wr-qev-1.0a/wr-setup/setup.sh" is not executable; chmod +x it
-  $ mistake 'chmod -x $config/wr-setup/uninst*'
-  "./product/suite/part/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not executable; chmod +x it
   $ mistake 'sed -i "s/$/\r/" $setup'
   "./product/suite/part/wr-qev-1.0a/wr-setup/setup.sh" has lines that end in a carriage return; save it with the line ends of Unix
   $ mistake 'sed -i "1s|.*|#!/opt/absent/bash -e|" $config/wr-setup/uninst*'

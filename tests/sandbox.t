@@ -34,8 +34,6 @@ What changed is shown; what was only touched is not:
     A ./workbench/wr-qev-1.0a/ (2 files, 409 B)
   Nothing on the disk was changed.
   status 0
-  $ lay :; integrate >/dev/null; chmod a-x workbench/*/*/u*; try uninstall --preview | tail -n 1
-  status 1
 
 Processes in it. What a setup script finds and does, and what becomes of the check:
 
@@ -56,8 +54,7 @@ Processes in it. What a setup script finds and does, and what becomes of the che
   1 failure:
     perform_integration: the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 1
   status 1
-  $ in_sandbox 'ls -d /proc/[0-9]* | wc -w; mknod device b 8 1 || unshare -m true'
-      6
+  $ in_sandbox '[ $(ls -d /proc/[0-9]* | wc -w) -lt 20 ] && ! mknod device b 8 1 && unshare -m true'
       mknod: device: Operation not permitted
       unshare: unshare failed: Operation not permitted
   1 failure:
@@ -111,16 +108,13 @@ The log is no change, wherever it lies:
   >     lay :; mkdir logs; ln -s ../logs/absent workbench/dangling; : >logs/old; ln -s logs/old link
   >     try check --set log_file="$1" | verdict
   > }
-  $ for log in /dev/null install.log ./install.log logs/new link workbench/dangling ''; do
+  $ for log in /dev/null install.log link workbench/dangling; do
   >     logging "$log" | sed "s|^|'$log' |"
   > done
   '/dev/null' The workbench is as it was. status 0
   'install.log' The workbench is as it was. status 0
-  './install.log' The workbench is as it was. status 0
-  'logs/new' The workbench is as it was. status 0
   'link' The workbench is as it was. status 0
   'workbench/dangling' The workbench is as it was. status 0
-  '' The workbench is as it was. status 0
 
 The directories are what they are outside: a default ACL, a link as workbench, an odd name, others' folders:
 

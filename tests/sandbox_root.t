@@ -61,9 +61,6 @@ stays hidden:
       workbench/wr-qev-1.0a/wr-setup/setup.sh: 3: cannot create ../home/file: Read-only file system
   The workbench is as it was.
   $ rm "$HOME/file"
-  $ lay :
-  $ mounted 'mount -t proc a workbench/dir; mount --move workbench/dir workbench'
-  wb-trial: there can be no sandbox: ./workbench cannot be covered, because of the mount at ./workbench; where the disk may change, use wb-trial check --no-sandbox
 
 Root whose rights are confined stays confined:
 

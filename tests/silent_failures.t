@@ -24,12 +24,6 @@ A copy that cannot be made:
   > }
   $ copying 'chmod 555 workbench'
   folder_create("workbench/wr-qev-1.0a", 0755) failed: Permission denied: "workbench/wr-qev-1.0a"
-  $ copying 'rm -r $config; keep'
-  dir_copy: No such file or directory: "./product/suite/part/wr-qev-1.0a"
-  $ copying 'echo mine >$copy; keep'
-  folder_create("workbench/wr-qev-1.0a", 0755) failed: Not a directory: "workbench/wr-qev-1.0a"
-  $ copying 'mkdir -p $copy/a.prefs/x'
-  dir_copy: Is a directory: "workbench/wr-qev-1.0a/a.prefs"
   $ copying 'chmod 000 $prefs'
   dir_copy: Permission denied: "./product/suite/part/wr-qev-1.0a/a.prefs"
   $ copying 'mkdir -m 700 outside; ln -s ../outside $copy'
@@ -61,8 +55,6 @@ A setup script that is not executable, fails, is killed or is missing:
   the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 126
   $ running 'echo exit 3 >>$setup; keep'
   the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 3
-  $ running 'rm $setup; keep'
-  the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 127
   $ running 'echo "kill -9 \$\$" >>$setup; keep'
   the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 137
 
@@ -72,12 +64,8 @@ Scripts with which an integration cannot be undone:
   the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not there, so what was set up stays; is it in the product, executable?
   $ after 'rm -r product/suite/vorn' integrate
   the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written (No such file or directory); is its folder there and writable?
-  $ after 'chmod 555 product/suite/vorn' integrate
-  the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written (Permission denied); is its folder there and writable?
   $ after 'mkdir $script' integrate
   the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is no regular file; remove it and integrate again
-  $ after 'echo other >$script; chmod 444 $script; keep' integrate
-  the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written (Permission denied); is its folder there and writable?
   $ after 'integrate >/dev/null; chmod 444 $script' integrate
   the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be executed (Permission denied); its mode has to be 0755, its mount not noexec
   $ after 'cp -R workbench second; integrate >/dev/null' integrate --set WB_INTEGRATION_PATH=second
@@ -93,10 +81,6 @@ An integration that was not undone, or cannot have been:
   >     eval "$1"
   >     failures unprivileged wb uninstall s.toml
   > }
-  $ undoing 'rm $copy/wr-setup/uninst*'
-  the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not there, so what was set up stays; is it in the product, executable?
-  $ undoing 'chmod -x $copy/wr-setup/uninst*'
-  the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" cannot be executed (Permission denied), so what was set up stays; is it in the product, executable?
   $ undoing 'rm $script'
   the product is not integrated: there is no "./product/suite/vorn/wb_deintegrate.sh"
   $ undoing 'truncate -s -2 $script'
@@ -135,13 +119,7 @@ A preferences file that cannot be read, replaced or understood, is not there, or
   it holds a zero byte; is it UTF-16, or no text?
   $ after : on_full_disk wb run s.toml init_wb_prefs --set log_file=
   the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: File too large
-  $ setting : --set WB_PREFS=readme
-  No such file or directory
   $ setting : --set WB_PREFS_INST_DIR=
   the key is empty; is WB_PREFS_INST_DIR set?
-  $ setting : --set WB_PREFS_INST_DIR=a=b
-  the key or the value does not fit into a line of such a file
-  $ setting : --set $'WB_PREFS_INST_DIR=a\nb'
-  the key or the value does not fit into a line of such a file
   $ setting 'ln -s product $'"'pro\nduct'" --set $'VORN_INSTALL_DIR=pro\nduct'
   the key or the value does not fit into a line of such a file

@@ -3,9 +3,7 @@
 // calls one action and prints its result. It breaks the promise that is named.
 
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdarg>
@@ -14,7 +12,6 @@
 #include <fstream>
 #include <iostream>
 #include <map>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -67,8 +64,7 @@ decltype(print_log("")) print_log(char const* format, ...) {
     va_start(arguments, format);
     line.resize(std::size_t(std::vsnprintf(&line[0], line.size(), format, arguments)));
     va_end(arguments);
-    log_stream << line.substr(0, breaks("long line") ? 1000 : line.size());
-    log_stream << std::endl;
+    log_stream << line.substr(0, breaks("long line") ? 1000 : line.size()) << std::endl;
     return decltype(print_log(""))();
 }
 
@@ -95,9 +91,11 @@ Made folder_create(std::string directory, unsigned int mode) {
     return Made();
 }
 Made dir_copy(std::string source, std::string destination) {
-    std::string const mode = breaks("mode") ? "--no-preserve=mode" : "--preserve=mode";
-    std::string const command = "cp -rd " + mode + " '" + source + "/.' '" + destination + "' 2>&1";
-    static_cast<void>(std::system(command.c_str()));
+    setenv("SOURCE", source.c_str(), 1);
+    setenv("COPY", destination.c_str(), 1);
+    char const* const command =
+        breaks("mode") ? "cp -rd --no-preserve=mode $SOURCE/. $COPY" : "cp -a $SOURCE/. $COPY";
+    static_cast<void>(std::system(command));
     return Made();
 }
 
@@ -105,26 +103,15 @@ std::string get_command_output(std::string command, int* status, bool, std::stri
     if (breaks("quotes")) command.erase(0, command.find('\\') + 1);
     if (breaks("wait") && command.rfind("sleep", 0) == 0)
         command = "(" + command + ") >/dev/null 2>&1 &";
-    int output[2], idle[2];
-    if (pipe(output) != 0 || pipe(idle) != 0) std::abort();
-    pid_t const child = fork();
-    if (child == 0) {
-        dup2(breaks("input") ? idle[0] : open("/dev/null", O_RDONLY), STDIN_FILENO);
-        dup2(output[1], STDOUT_FILENO);
-        dup2(output[1], STDERR_FILENO);
-        close(output[1]);
-        execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
-    }
-    for (int const end : {output[1], idle[0], idle[1]}) close(end);
-    std::string text;
-    char block[4096];
-    for (ssize_t size = 0; (size = read(output[0], block, sizeof block)) > 0;)
-        text.append(block, std::size_t(size));
-    close(output[0]);
-    int ended = 0;
-    waitpid(child, &ended, 0);
-    int const code = WIFSIGNALED(ended) ? 128 + WTERMSIG(ended) : WEXITSTATUS(ended);
-    if (!breaks("status")) *status = code;
+    static int idle[2];
+    static bool const has_idle = pipe(idle) == 0;
+    setenv("COMMAND", command.c_str(), has_idle);
+    std::string const input = breaks("input") ? "&" + std::to_string(idle[0]) : "/dev/null";
+    std::FILE* const stream = popen(("sh -c \"$COMMAND\" 2>&1 <" + input).c_str(), "r");
+    std::string text(9U << 20, '\0');
+    text.resize(std::fread(&text[0], 1, text.size(), stream));
+    int const ended = pclose(stream);
+    if (!breaks("status")) *status = WEXITSTATUS(ended);
     return breaks("much output") ? text.substr(0, 1U << 20) : text;
 }
 
@@ -135,29 +122,6 @@ class Provider final : public ComponentProvider {
         return reinterpret_cast<Handle>(this);
     }
     Texts fileList(Handle) override { return breaks("path") ? Texts{"a\tb"} : files; }
-#ifdef OTHER_HOST
-    int unused2(int) override {
-        std::abort();
-    }
-    int unused3(std::string) override {
-        std::abort();
-    }
-    int unused4() override {
-        std::abort();
-    }
-    int unused5() override {
-        std::abort();
-    }
-    int unused6() override {
-        std::abort();
-    }
-    int unused7() override {
-        std::abort();
-    }
-    std::vector<int> unused8() override {
-        std::abort();
-    }
-#endif
 
   private:
     Texts files = {"", "share\\wr-qev-1.0a\\x", std::string(100, 'y')};
@@ -185,10 +149,9 @@ bool Component::installCondition() {
     return true;
 }
 std::string Component::subdir() {
-    return breaks("name") && component_calls > 5000 ? "?" : "/sub";
+    return "/sub";
 }
 ComponentProvider* Component::provider() {
-    if (breaks("null provider")) return nullptr;
     return breaks("slot") ? reinterpret_cast<ComponentProvider*>(&moved_provider) : &::provider;
 }
 std::vector<Component*> TSD::components() {
@@ -215,16 +178,10 @@ Kept IniDb::setValue(std::string key, std::string value, bool) {
 }
 Kept IniDb::save() {
     std::ifstream stream(ini_file);
-    std::ostringstream kept;
-    bool is_new = true;
-    for (std::string line; std::getline(stream, line);) {
-        bool const is_entry = line.rfind("home", 0) == 0;
-        is_new = is_new && !is_entry;
-        if (is_entry) kept << ini_entry << '\n';
-        else if (!breaks("other keys")) kept << line << '\n';
-    }
-    if (is_new) kept << ini_entry << '\n';
-    std::ofstream(ini_file) << kept.str();
+    std::string kept;
+    for (std::string line; std::getline(stream, line);)
+        if (line.rfind("home", 0) != 0 && !breaks("other keys")) kept += line + "\n";
+    std::ofstream(ini_file) << kept << ini_entry << "\n";
     return Kept();
 }
 

@@ -34,9 +34,7 @@ Options stand before or after the rest, and actions run in the order given, what
   init_wb_prefs returned 0
   find_wb_components returned 0
   [1]
-  $ mkdir linked
-  $ ln -s .. linked/back
-  $ wb run linked/back/s.toml find_wb_components --trace | grep 'log_file'
+  $ wb run "product/suite/${PWD##*/}/s.toml" find_wb_components --trace | grep log_file
   env_get_string("log_file") = "./log"
 
 The copy keeps modes and links, overwrites files and leaves FIFOs out:
@@ -204,7 +202,7 @@ Bad arguments: one message, status 2, and nothing is run:
   $ site
   $ : >bad.toml
   $ find . | sort >"$TMPDIR/before"
-  $ for arguments in '' install 'install absent.toml' 'install workbench' 'install s.toml more' 'run s.toml' \
+  $ for arguments in '' install 'install absent.toml' 'install workbench' 'install s.toml more' \
   >     'run s.toml init_wb_prefs exit' 'install s.toml --set A' 'install s.toml --set =x' \
   >     'install s.toml --plugin absent.so' 'install s.toml --plugin /lib/*/libm.so.6'; do
   >     refused $arguments
@@ -214,7 +212,6 @@ Bad arguments: one message, status 2, and nothing is run:
   wb-trial: absent.toml: No such file or directory
   wb-trial: workbench: Is a directory
   The following argument was not expected: more
-  ACTION is required
   ACTION: exit not in {detect_wb_in_default_path,validate_wb_path,find_wb_components,perform_integration,perform_deintegration,init_wb_prefs}
   wb-trial: --set "A": write NAME=VALUE
   wb-trial: --set "=x": write NAME=VALUE
@@ -224,10 +221,8 @@ Bad arguments: one message, status 2, and nothing is run:
 A bad session file likewise:
 
   $ for text in '[variables' 'a = 1' '[variables]\nWB_PREFS = "x"\nlog_file = 1' \
-  >     'variables = 1' '[component]\nname = "a"' '[[component]]' \
-  >     '[[component]]\nname = "a"\nfile = []' '[[component]]\nname = true' \
-  >     '[[component]]\nname = "a"\ninstall_condition = "no"' '[[component]]\nname = "a"\nfiles = "a"' \
-  >     '[[component]]\nname = "a"\nfiles = [\n1]' '[[component]]\nname = "a"\nfiles_from = "absent"' '\377'; do
+  >     'variables = 1' '[component]\nname = "a"' '[[component]]' '[[component]]\nname = "a"\nfiles = "a"' \
+  >     '[[component]]\nname = "a"\nfiles_from = "absent"' '\377'; do
   >     printf "$text\n" >bad.toml
   >     refused install bad.toml
   > done
@@ -237,18 +232,12 @@ A bad session file likewise:
   wb-trial: bad.toml:1: variables has to be a table: [variables]
   wb-trial: bad.toml:1: component has to be a list of tables: [[component]]
   wb-trial: bad.toml:1: a component needs a name
-  wb-trial: bad.toml:3: unknown key file; a component has name, install_condition, subdir, files and files_from
-  wb-trial: bad.toml:2: name has to be a string
-  wb-trial: bad.toml:3: install_condition has to be true or false
   wb-trial: bad.toml:3: files has to be a list of strings
-  wb-trial: bad.toml:4: files has to be a string
   wb-trial: bad.toml:3: files_from: No such file or directory: absent
   wb-trial: bad.toml:1: Encountered invalid utf-8 sequence
-  $ echo 'component = []' >empty.toml
-  $ wb run empty.toml find_wb_components --set log_file=/dev/null
-  find_wb_components returned 0
+  $ echo 'component = []' >bad.toml
+  $ wb run bad.toml find_wb_components --set log_file=/dev/null | grep SUPPORTED
     WB_INTEGRATION_SUPPORTED = "no"
-  $ rm empty.toml
   $ find . | sort | diff "$TMPDIR/before" -
   $ mkdir -m 000 product/suite/locked
   $ unprivileged refused install s.toml

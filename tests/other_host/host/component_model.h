@@ -9,13 +9,13 @@ struct file_handle;
 class ComponentProvider {
   public:
     virtual file_handle* query(std::string, std::string, std::string) = 0;
-    virtual int unused2(int) = 0;
-    virtual int unused3(std::string) = 0;
-    virtual int unused4() = 0;
-    virtual int unused5() = 0;
-    virtual int unused6() = 0;
-    virtual int unused7() = 0;
-    virtual std::vector<int> unused8() = 0;
+    virtual int unused2(int) { return {}; }
+    virtual int unused3(std::string) { return {}; }
+    virtual int unused4() { return {}; }
+    virtual int unused5() { return {}; }
+    virtual int unused6() { return {}; }
+    virtual int unused7() { return {}; }
+    virtual std::vector<int> unused8() { return {}; }
     virtual std::vector<std::string> fileList(file_handle*) = 0;
     virtual ~ComponentProvider() = default;
 };
