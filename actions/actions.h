@@ -40,8 +40,8 @@ int perform_deintegration(session_t* session);
 
 /// Sets the key named by "WB_PREFS_INST_DIR" to the product's location, "VORN_INSTALL_DIR" and
 /// "VORN_INSTALL_SUBDIR" with a slash between them, in every installed file whose path contains
-/// the text in "WB_PREFS". Logs each such file, to whatever log is open. Returns 0; whether the
-/// files could be rewritten is for the installer's `IniDb` to tell.
+/// the text in "WB_PREFS". Logs each such file, to whatever log is open. Returns 0, also
+/// where a file could not be rewritten.
 int init_wb_prefs(session_t* session);
 
 } // extern "C"

@@ -13,7 +13,7 @@ class IniDb {
     /// The plug-in passes `true` for `flag`, which is the installer's own.
     void setValue(std::string key, std::string value, bool flag);
 
-    /// Writes the file. Tells nothing of a failure.
+    /// Writes the file. Reports no failure.
     void save();
 
   private:

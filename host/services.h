@@ -25,17 +25,17 @@ int log_init(char const* file, logging_state_t** state);
 /// The installer's normal form of a path joined from pieces.
 std::string path(std::string joined);
 
-/// Each is not 0 where it is so: a directory exists, a file exists, the installation can write
-/// there.
+/// Not 0 where a directory of that name exists, where a file does, and where the installation can
+/// write.
 int is_dir(std::string const& name);
 int is_file(std::string const& name);
 int is_writable(std::string name);
 
-/// Makes the directory, with that mode. Tells nothing of a failure.
+/// Makes the directory, with that mode. Reports no failure.
 void folder_create(std::string directory, unsigned int mode);
 
-/// Copies the contents of the directory `source` into the directory `destination`. Tells nothing of
-/// a failure.
+/// Copies the contents of the directory `source` into the directory `destination`. Reports no
+/// failure.
 void dir_copy(std::string source, std::string destination);
 
 /// Has a shell run `command`, waits for it, stores its status and returns its output. The plug-in

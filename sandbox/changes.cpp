@@ -195,7 +195,7 @@ class Comparison {
         std::set<std::string> names =
             names_in(watched_.upper.empty() ? present(directory) : watched_.upper / directory);
         // A directory that was removed and made again hides all of the lower one, any other hides
-        // nothing: so one name that is not in the upper layer tells.
+        // nothing: so one name that is not in the upper layer shows which.
         for (fs::directory_entry const& entry : fs::directory_iterator(old(directory))) {
             fs::path const name = entry.path().filename();
             if (names.count(name) != 0) continue;

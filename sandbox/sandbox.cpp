@@ -167,15 +167,15 @@ Inside enter(Preparation const& prepared, Directories const& named, std::string 
 /// Calls `enter` and then only reaps. Writes to `refusal` why it cannot begin.
 int run_first_process(int refusal, std::function<Inside()> const& enter,
                       std::function<int(Inside const&)> const& work) {
-    int const told = dup2(refusal, STDERR_FILENO + 1);
+    int const kept = dup2(refusal, STDERR_FILENO + 1);
     close_range(STDERR_FILENO + 2, ~0U, 0);
     Inside inside;
     try {
         inside = enter();
     } catch (std::exception const& error) {
-        return write(told, error.what(), std::strlen(error.what())) > 0 ? 0 : 1;
+        return write(kept, error.what(), std::strlen(error.what())) > 0 ? 0 : 1;
     }
-    close(told);
+    close(kept);
     return run_in_child([&] {
         setsid();
         return work(inside);

@@ -5,7 +5,7 @@
 namespace sandbox {
 
 /// A folder on the disk for the upper layers, where they cannot lie in memory. It is locked while
-/// it is in use, so that the next run can tell one that was left behind, and removes it. To be made
+/// it is in use, so that the next run finds and removes one that was left behind. To be made
 /// in the user namespace, if there is one: an overlay leaves folders in it that have no rights.
 class ScratchFolder {
   public:

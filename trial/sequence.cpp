@@ -28,7 +28,7 @@ Texts version_keys(std::string const& versions) {
     return keys;
 }
 
-/// The first words of the file that tell a version.
+/// The first words of the file that name a version.
 Texts version_words(std::string const& properties) {
     Texts words;
     std::ifstream file(properties);

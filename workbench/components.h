@@ -13,7 +13,7 @@ namespace workbench_int {
 /// further than the first "no".
 bool is_to_be_installed(Component* component);
 
-/// The paths of the component's installed files, in order; an empty one is to be passed over. None
+/// The paths of the component's installed files, in order, empty ones too. None
 /// where the component's provider, or its handle for the files, is null.
 std::vector<std::string> installed_files(Component& component);
 

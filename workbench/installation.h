@@ -1,6 +1,6 @@
 #pragma once
 
-// What a directory tells about the workbench in it: whether one is there, and of which version.
+// Whether a directory holds a workbench, and of which version.
 
 #include <string>
 
