@@ -65,9 +65,9 @@ An integration that cannot begin touches nothing:
 
   $ find . | sort >"$TMPDIR/before"
   $ failures wb run s.toml perform_integration --set WB_INTEGRATION_PATH=workbench/install.properties/
-  no configuration is listed, or the workbench is no directory
+  the workbench "workbench/install.properties/" is no directory
   $ failures wb run names.toml perform_integration --set log_file=log --set WB_INTEGRATION_PATH=absent
-  no configuration is listed, or the workbench is no directory
+  the workbench "absent" is no directory
   $ grep -e 'not supported$' -e 'not a directory$' log | tail -n 2
   workbench_int: workbench path: workbench/install.properties does not exist or not a directory
   workbench_int: workbench integration is not supported

@@ -67,7 +67,8 @@ try() {
         )
         tree | diff <(echo "$before") -
         report=${report//"$PWD"/.}
-        [ "$report" = "$said" ] || printf '%s\n' "${report//"$CRAMTMP"/..}"
+        report=$(sed '/^note: .* because of the mount at [/]/d' <<<"${report//"$CRAMTMP"/..}") # the machine's own
+        [ "$report" = "$said" ] || printf '%s\n' "$report"
         said=$report
     done
     own "$me"

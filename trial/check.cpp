@@ -54,15 +54,13 @@ class Check {
     /// Returns whether nothing failed.
     bool run(ChangeReport const& changes) {
         bool has_succeeded = sequence_.install();
-        std::vector<Change> left = changes.show("changed by the install");
-        if (sequence_.has_integrated()) {
-            has_succeeded = sequence_.call("perform_deintegration") && has_succeeded;
-            for (std::string const& process : sandbox::left_running())
-                has_succeeded = fail("still running after the uninstall: " + process);
-            left = changes.show("left by the uninstall");
-        } else {
-            has_succeeded = fail("nothing was checked, for nothing was integrated");
-        }
+        changes.show("changed by the install");
+        if (!sequence_.has_integrated())
+            return has_succeeded && fail("nothing was checked, for nothing was integrated");
+        has_succeeded = sequence_.call("perform_deintegration") && has_succeeded;
+        for (std::string const& process : sandbox::left_running())
+            has_succeeded = fail("still running after the uninstall: " + process);
+        std::vector<Change> const left = changes.show("left by the uninstall");
         if (sequence_.has_integrated_again())
             return fail("the workbench holds an earlier integration already, so this cannot tell "
                         "whether one is undone; uninstall first, then check again");

@@ -1,5 +1,6 @@
 #include "trial/sequence.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -55,6 +56,14 @@ std::string explanation(Session const& session) {
     return show(workbench) + " cannot be written by this user";
 }
 
+std::string why_not_begun(Session const& session) {
+    std::string const workbench = session.value("WB_INTEGRATION_PATH");
+    std::error_code unreachable;
+    if (!std::filesystem::is_directory(workbench, unreachable))
+        return "the workbench " + show(workbench) + " is no directory";
+    return "no listed path holds a configuration, \"wr-qev-\" and a name without \"..\"";
+}
+
 } // namespace
 
 bool Sequence::install() {
@@ -78,7 +87,7 @@ bool Sequence::call(std::string const& action) {
     int const result = call_plugin(action);
     if (is_undo) check_is_removed(earlier_copy, outcome);
     if (!outcome.copy.empty()) check_undo_is_possible(host_.session, earlier_copy, outcome);
-    if (result == -1) outcome.fail("no configuration is listed, or the workbench is no directory");
+    if (result == -1) outcome.fail(why_not_begun(host_.session));
     else if (result != 0 && outcome.failures.empty())
         outcome.fail("the result is " + std::to_string(result));
     has_integrated_ = has_integrated_ || !outcome.copy.empty();
