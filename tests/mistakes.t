@@ -88,20 +88,3 @@ Names that are not known, and a library that cannot be used; nothing is run:
   wb-trial: s.toml:14: unknown variable WORKBENCH_SCRIPT; did you mean WORKBENCH_SCRIPT_NAME?
   $ refused install s.toml --plugin ''
   --plugin: the name is empty
-
-In colours on a terminal, but not where NO_COLOR is set:
-
-  $ in_colors() {
-  >     site; echo 'exit 3' >>"$setup"
-  >     "$@" script -qec 'wb-trial check s.toml --no-sandbox --set WB_INTEGRATION_PATH="$PWD/workbench"' /dev/null |
-  >         cat -v | grep -o '\^\[\[3[0-9]m *[-+@A-Za-z]*' | sort -u
-  > }
-  $ in_colors env -u NO_COLOR
-  ^[[31m      -home
-  ^[[31m  failed
-  ^[[32m      +home
-  ^[[32m  A
-  ^[[32mThe
-  ^[[33m  M
-  ^[[36m      @@ (no-eol)
-  $ in_colors env NO_COLOR=1
