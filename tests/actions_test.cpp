@@ -1,4 +1,3 @@
-#include <regex>
 #include <typeinfo>
 #include <utility>
 
@@ -32,8 +31,11 @@ TEST(Actions, MakeTheseHostCallsAndNoOthers) {
     }
     for (std::size_t at = 0; (at = shown.find(site.root)) != std::string::npos;)
         shown.erase(at, site.root.size());
-    std::string const expected = read_file(TESTS "/expected_calls.txt");
-    EXPECT_EQ(shown, std::regex_replace(expected, std::regex("#.*\n"), ""));
+    std::ifstream lines(TESTS "/expected_calls.txt");
+    std::string expected;
+    for (std::string line; std::getline(lines, line);)
+        if (line[0] != '#') expected += line + "\n";
+    EXPECT_EQ(shown, expected);
 
     site.host.session.variables["SUPPORTED_VERSION"] = "";
     site.run(workbench_int::validate_wb_path);
