@@ -100,9 +100,12 @@ class Copies {
   public:
     /// Throws StartError where they cannot be made, or would not be the same.
     explicit Copies(Places const& places) {
-        if (!mkdtemp(folder_.data())) throw StartError(folder_ + ": no copies can be made there");
+        std::error_code absent;
+        folder_ = fs::temp_directory_path(absent) / "wb-trial-XXXXXX";
+        if (absent || !mkdtemp(folder_.data()))
+            throw StartError("TMPDIR names no directory in which copies can be made");
         for (fs::path const& place : std::set<fs::path>{places.workbench, places.product})
-            if (fs::is_directory(place)) copy(place);
+            if (fs::is_directory(place, absent)) copy(place);
         if (sandbox::find_changes(directories_, "").empty()) return;
         remove();
         throw StartError("the workbench or the product cannot be copied as it is; run as root");
@@ -131,7 +134,7 @@ class Copies {
         fs::remove_all(folder_, is_left);
     }
 
-    std::string folder_ = fs::temp_directory_path() / "wb-trial-XXXXXX";
+    std::string folder_;
     std::vector<sandbox::Watched> directories_;
 };
 

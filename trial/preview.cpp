@@ -36,7 +36,7 @@ void adapt_to(sandbox::Inside const& inside, std::string const& temporary, Repor
         std::error_code absent;
         if (!fs::is_directory(name, absent) || inside.obstacles.count(fs::canonical(name)) != 0)
             continue;
-        setenv("TMPDIR", name.c_str(), 1);
+        if (name != temporary) setenv("TMPDIR", name.c_str(), 1);
         return;
     }
 }
