@@ -157,8 +157,8 @@ Inside enter(Preparation const& prepared, Directories const& named, std::string 
                   "make the mounts private");
     // Where a container hides parts of /proc this fails; the old one will do then.
     mount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC, nullptr);
-    Inside const inside = look_around(mount_overlays(prepared.coverage, scratch, prepared.is_root),
-                                      prepared.coverage, named);
+    Inside inside = look_around(mount_overlays(prepared.coverage, scratch, prepared.is_root),
+                                prepared.coverage, named);
     require(chdir(place.c_str()) == 0, "enter the working directory " + place.string());
     drop_capabilities(prepared.forbidden, prepared.is_root);
     return inside;
