@@ -71,15 +71,16 @@ Processes in it. What a setup script finds and does, and what becomes of the che
 
 It ends with wb-trial, and wb-trial by the signal that ends it:
 
-  $ lay 'exec 9<lock; flock -n 9; touch "$HOME/../begun"; sleep 99'
-  $ touch workbench/lock; chmod 777 "$CRAMTMP"
+  $ lay 'sleep 97531'
+  $ is_asleep() {
+  >     grep -qsxz 97531 /proc/[0-9]*/cmdline
+  > }
   $ for signal in KILL TERM INT; do
-  >     mkfifo said
-  >     env --default-signal=INT wb-trial check s.toml --set WB_INTEGRATION_PATH=workbench >said &
-  >     grep -q runs: said; sleep 0.2
+  >     env --default-signal=INT wb-trial check s.toml --set WB_INTEGRATION_PATH=workbench >/dev/null &
+  >     for try in {1..100}; do is_asleep && break; sleep 0.1; done
   >     kill -$signal $!; wait $!; echo $?
-  >     flock -w 5 workbench/lock echo ended
-  >     rm said
+  >     for try in {1..50}; do is_asleep || break; sleep 0.1; done
+  >     is_asleep || echo ended
   > done 2>/dev/null
   137
   ended
@@ -141,6 +142,14 @@ The directories are what they are outside: a default ACL, a link as workbench, a
     A /var/tmp/x.wb-trial
   $ lay 'echo >../workbench-2/x'; mkdir workbench-2; try check | verdict
   The workbench is as it was. 1 failure: check: the uninstall leaves changes beside the workbench and the product status 1
+
+A mount that another one hides is in nobody's way:
+
+  $ lay 'echo >x' 'rm x'
+  $ within=(unshare -Urm sh -c 'cd workbench/dir; mount -t tmpfs a .; cd .; mkdir "$PWD/in"; mount -t tmpfs b "$PWD/in"
+  >     mount -t tmpfs c "$PWD"; echo name=3.1 >"$PWD/install.properties"; cd ../..; exec "$@"' -)
+  $ workbench=workbench/dir; try check --set log_file= | verdict
+  The workbench is as it was. status 0
 
 A mount in the home or the temporary directory keeps that from changing, and nothing else:
 
