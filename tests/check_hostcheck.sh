@@ -48,9 +48,5 @@ slot: # calling fileList
 components: components components,returned 1
 other keys: IniDb kept,returned 1
 TABLE
-left=$(compgen -G "$TMPDIR/hostcheck-*" | wc -l)
-[ "$left" -eq 1 ] || { # of the host that crashed
-    echo "$left folders are left" >&2
-    status=1
-}
+[ "$(compgen -G "$TMPDIR/hostcheck-*" | wc -l)" -eq 1 ] || status=1 # of the host that crashed
 exit $status

@@ -35,8 +35,6 @@ What is completed: options, commands, actions and the variables that docs/host.m
   $ sed -n '/^| variable | meaning/,/^$/s/^| `\([^`]*\)`.*/\1/p' "$root/docs/host.md" | LC_ALL=C sort >variables
   $ completed 'wb-trial run --set ' | tr -d = | diff variables -
   $ sed -n 's/^\.It Va //p' "$root/docs/wb-trial.1" | sed 's/ , /\n/' | LC_ALL=C sort | diff variables -
-  $ completed 'wb-trial --set a=b --plugin b.txt --trace run '
-  a.toml
 
 The check that packaging.md shows, of a product in /srv. It is made without a sandbox where there can be none:
 

@@ -75,8 +75,6 @@ A run that fails ends with all that failed. What only follows from a failure is 
   1 failure:
     check: nothing was checked, for nothing was integrated
   [1]
-  $ wb install s.toml --set WB_INTEGRATION_PATH=workbench | grep Nothing
-  Nothing to integrate: no component to be installed has "workbench" in its name.
 
 Names that are not known, and a library that cannot be used; nothing is run:
 
