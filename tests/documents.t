@@ -28,7 +28,6 @@ What is completed: options, commands, actions and the variables that docs/host.m
   >     "$(complete -p wb-trial | grep -o '_[a-z_]*')" wb-trial "${COMP_WORDS[-1]}" "${COMP_WORDS[-2]}" 2>/dev/null
   >     printf '%s\n' "${COMPREPLY[@]}" | LC_ALL=C sort -u
   > )
-  $ touch a.toml b.txt
   $ (completed 'wb-trial run --'; completed 'wb-trial check --') | LC_ALL=C sort -u | diff names -
   $ wb-trial --help | sed -n '/^Subcommands/,$s/^  \([a-z]*\) .*/\1/p' | sort | diff - <(completed 'wb-trial ')
   $ wb-trial run --help | grep -o '{.*}' | tr '{,}' '\n' | sed '/^$/d' | sort | diff - <(completed 'wb-trial run a.toml ')

@@ -88,8 +88,6 @@ An integration that was not undone, or cannot have been:
   $ undoing 'rm $script; mkdir $script'
   the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is no regular file; integrate again, then uninstall
   the command "./product/suite/vorn/wb_deintegrate.sh" ended with status 126
-  $ undoing 'mv workbench elsewhere'
-  the directory "workbench/wr-qev-1.0a" that the de-integration script removes was not there; was it named from another folder, or is it uninstalled already?
   $ undoing 'mv $copy copy; ln -s ../copy $copy'
   the directory "workbench/wr-qev-1.0a" that the de-integration script removes was not there; was it named from another folder, or is it uninstalled already?
   $ undoing 'rm -r $copy; ln -s absent $copy'
