@@ -9,9 +9,9 @@ What changed is shown; what was only touched is not:
   $ lay 'touch touched; chmod 600 binary; echo >>binary; ln -sfn dir link; mkdir new; echo >new/1; ln -s absent new/link
   > rm -r dir; mkdir dir; touch dir/other; rm install.properties; mkdir install.properties; seq 40 60 >text
   > echo >"dir
-  > x"; head -c 6291456 /dev/zero >large; head -c 400 /dev/zero | tr "\0" x >long; echo >same; mkdir closed; chmod 000 closed'
+  > x"; yes | head -c 6291456 >large; head -c 400 /dev/zero | tr "\0" x >long; echo >same; mkdir closed; chmod 000 closed'
   $ seq 30 >workbench/text; printf '1\0' >workbench/binary; ln -s tex workbench/link; touch workbench/touched
-  $ head -c 5242880 /dev/zero >workbench/large; head -c 2048 /dev/zero >workbench/same; echo >workbench/long
+  $ yes | head -c 5242880 >workbench/large; head -c 2048 /dev/zero >workbench/same; echo >workbench/long
   $ try install --preview | changes | sed '/^      -[0-9]/d'
   changed by the install:
     M ./workbench/binary (mode 0644 -> 0600, content 2 B -> 3 B)
