@@ -163,7 +163,7 @@ class Comparison {
             auto const before = path.empty() ? watched_.status : status_of(old(path));
             std::optional<Status> const now = status_of(present(path));
             if (before && now) compare_both(path, *before, *now);
-            else if (before) remove(path, *before);
+            else if (before && !(path.empty() && is_removed_outside())) remove(path, *before);
             else if (now) add('A', path, *now);
         } catch (std::system_error const& error) {
             changes_.push_back({'M', present(path), "not known: " + error.code().message(), ""});
@@ -174,6 +174,12 @@ class Comparison {
     fs::path old(fs::path const& path) const { return watched_.before / path; }
     fs::path present(fs::path const& path) const {
         return path.empty() ? watched_.directory : watched_.directory / path;
+    }
+
+    /// Whether somebody else removed the directory on the disk, and so took away what covers it.
+    bool is_removed_outside() const {
+        Status status{};
+        return stat(watched_.before.c_str(), &status) == 0 && status.st_nlink == 0;
     }
 
     void compare_both(fs::path const& path, Status const& before, Status const& now) {

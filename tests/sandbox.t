@@ -31,7 +31,7 @@ What changed is shown; what was only touched is not:
     M ./workbench/text
         @@ -1,30 +1,21 @@
         32 more lines
-    A ./workbench/wr-qev-1.0a/ (2 files, 409 B)
+    A ./workbench/wr-qev-1.0a/ (2 files, 405 B)
   Nothing on the disk was changed.
   status 0
 
