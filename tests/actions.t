@@ -44,16 +44,14 @@ The workbench that is proposed, for lists of places:
 
 The component that answers for the workbench, for lists of names:
 
-  $ for list in '' 'Workbench work-bench' 'docs product-workbench-support workbench' 'off-workbench workbench'; do
+  $ for list in 'Workbench work-bench' 'off-workbench docs product-workbench-support workbench'; do
   >     for name in $list; do printf '[[component]]\nname = "%s"\nsubdir = "/%s"\ninstall_condition = %s\n' "$name" "$name" "$([[ $name == off* ]] && echo false || echo true)"; done >names.toml
   >     echo "'$list'" $(wb run names.toml find_wb_components --set log_file=log)
   > done
-  '' find_wb_components returned 0 WB_INTEGRATION_SUPPORTED = "no"
   'Workbench work-bench' find_wb_components returned 0 WB_INTEGRATION_SUPPORTED = "no"
-  'docs product-workbench-support workbench' find_wb_components returned 0 WB_INTEGRATION_SUPPORTED = "yes" WB_INSTALL_SUBDIR = "/product-workbench-support"
-  'off-workbench workbench' find_wb_components returned 0 WB_INTEGRATION_SUPPORTED = "yes" WB_INSTALL_SUBDIR = "/workbench"
+  'off-workbench docs product-workbench-support workbench' find_wb_components returned 0 WB_INTEGRATION_SUPPORTED = "yes" WB_INSTALL_SUBDIR = "/product-workbench-support"
   $ grep -c 'integration is not supported$' log
-  2
+  1
 
 An integration that cannot begin touches nothing:
 
@@ -62,8 +60,9 @@ An integration that cannot begin touches nothing:
   the workbench "workbench/install.properties/" is no directory
   $ failures wb run names.toml perform_integration --set log_file=log --set WB_INTEGRATION_PATH=absent
   the workbench "absent" is no directory
-  $ grep -e 'not supported$' -e 'not a directory$' log | tail -n 2
+  $ grep -e 'not supported$' -e 'not a directory$' -e 'path to' log | tail -n 3
   workbench_int: workbench path: workbench/install.properties does not exist or not a directory
+  workbench_int: path to workbench: absent
   workbench_int: workbench integration is not supported
   $ find . | sort | diff "$TMPDIR/before" -
 

@@ -143,6 +143,12 @@ The directories are what they are outside: a default ACL, a link as workbench, a
   $ lay 'echo >../workbench-2/x'; mkdir workbench-2; try check | verdict
   The workbench is as it was. 1 failure: check: the uninstall leaves changes beside the workbench and the product status 1
 
+A product directly below the root directory is not the whole disk:
+
+  $ lay 'echo >"$HOME/x"'; sed -i "s|/suite/part|$PWD/product/suite/part|" s.toml
+  $ try check --set VORN_INSTALL_DIR=/ --set VORN_INSTALL_SUBDIR="$PWD/product/suite" | verdict
+  The workbench is as it was. 1 failure: check: the uninstall leaves changes beside the workbench and the product status 1
+
 A mount that another one hides is in nobody's way:
 
   $ lay 'echo >x' 'rm x'

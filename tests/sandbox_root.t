@@ -37,9 +37,6 @@ stays hidden:
   $ mounted 'mount -t tmpfs a workbench/dir; mkdir workbench/dir/inner; mount -t tmpfs b workbench/dir/inner; echo b >workbench/dir/inner/name'
       b
   The workbench is as it was.
-  $ mounted 'mount -t tmpfs a workbench/dir; mkdir workbench/dir/inner; mount -t tmpfs b workbench/dir; mkdir workbench/dir/inner; echo c >workbench/dir/inner/name'
-      c
-  The workbench is as it was.
   $ lay 'echo >dir/x'
   $ mounted 'mount -t tmpfs -o ro a workbench/dir'
       workbench/wr-qev-1.0a/wr-setup/setup.sh: 3: cannot create dir/x: Read-only file system
@@ -85,6 +82,9 @@ An ordinary user. What belongs to a further group of theirs could change outside
   $ lay 'echo >x' 'rm x'; own 4711; mkdir -m 755 others; mv workbench others; chown 12345:12345 others
   $ ordinary check s.toml --set WB_INTEGRATION_PATH=others/workbench | verdict
   The workbench is as it was. status 0
+  $ mkdir -m 777 others/workbench/wr-qev-1.0a
+  $ ordinary run s.toml perform_integration --set WB_INTEGRATION_PATH=others/workbench | grep note
+    note: the mode of "others/workbench/wr-qev-1.0a" stays 0777, for the folder is somebody else's
   $ mkdir -m 700 closed; cd closed
   $ ordinary check "$OLDPWD/s.toml" --set WB_INTEGRATION_PATH=/absent | sed "s|$OLDPWD|.|g"
   wb-trial: there can be no sandbox: enter the working directory ./closed: Permission denied; where the disk may change, use wb-trial check --no-sandbox

@@ -24,23 +24,17 @@ A copy that cannot be made:
   > }
   $ copying 'chmod 555 workbench'
   folder_create("workbench/wr-qev-1.0a", 0755) failed: Permission denied: "workbench/wr-qev-1.0a"
-  $ copying 'mkdir -m 700 outside; ln -s ../outside $copy'
-  folder_create("workbench/wr-qev-1.0a", 0755) failed: Not a directory: "workbench/wr-qev-1.0a"
-  700 ./outside
   $ copying 'mkdir -m 700 outside; mkdir $copy; ln -s ../../outside $copy/wr-setup'
   dir_copy: Not a directory: "workbench/wr-qev-1.0a/wr-setup"
   700 ./outside
   $ copying : --set WB_INTEGRATION_PATH=$config
   dir_copy: Invalid argument: "product/suite/part/wr-qev-1.0a/wr-qev-1.0a"
 
-A log that cannot be opened, and a full disk, the first time and over an earlier integration:
+A log that cannot be opened, and a full disk:
 
   $ after : wb run s.toml find_wb_components --set log_file=absent/log
   the log "absent/log" cannot be opened (No such file or directory); its lines go to standard error
   $ after : on_full_disk integrate
-  the log cannot be written; its lines go to standard error
-  dir_copy(*) failed: File too large: * (glob)
-  $ after 'integrate >/dev/null; echo c=3 >>$prefs; rm $script; keep' on_full_disk integrate
   the log cannot be written; its lines go to standard error
   dir_copy(*) failed: File too large: * (glob)
 
@@ -60,6 +54,8 @@ Scripts with which an integration cannot be undone:
   the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not there, so what was set up stays; is it in the product, executable?
   $ after 'rm -r product/suite/vorn' integrate
   the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written (No such file or directory); is its folder there and writable?
+  $ after 'chmod 555 product/suite/vorn' integrate
+  the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written (Permission denied); is its folder there and writable?
   $ after 'mkdir $script' integrate
   the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is no regular file; remove it and integrate again
   $ after 'integrate >/dev/null; chmod 444 $script' integrate
@@ -107,11 +103,19 @@ A preferences file that cannot be read, replaced or understood, is not there, or
   it is not a regular file
   $ setting 'printf "\xef\xbb\xbfhome=" >$prefs; keep'
   it begins with a byte order mark; save it without
-  $ setting 'printf "h\0o\0" >$prefs; keep'
-  it holds a zero byte; is it UTF-16, or no text?
   $ after : on_full_disk wb run s.toml init_wb_prefs --set log_file=
   the preferences file "./product/suite/part/wr-qev-1.0a/a.prefs" was not changed: File too large
   $ setting : --set WB_PREFS_INST_DIR=
   the key is empty; is WB_PREFS_INST_DIR set?
   $ setting 'ln -s product $'"'pro\nduct'" --set $'VORN_INSTALL_DIR=pro\nduct'
   the key or the value does not fit into a line of such a file
+
+What ends an action with an exception is a failure too, and later actions still run:
+
+  $ site
+  $ sed -i 's/, files_from.*" }/ }/' s.toml
+  $ prlimit --nofile=5 wb-trial run s.toml perform_deintegration find_wb_components --set log_file= 2>/dev/null | grep -e return -e '^  failed: an'
+  perform_deintegration did not return
+    failed: an exception ended it: start a command: Too many open files
+  find_wb_components returned 0
+  [1]

@@ -127,21 +127,9 @@ class Provider final : public ComponentProvider {
     Texts files = {"", "share\\wr-qev-1.0a\\x", std::string(100, 'y')};
 };
 
-/// As an installer has it whose `fileList` is the eighth operation and not the ninth.
-struct MovedProvider {
-    virtual void* query(std::string, std::string, std::string) { return this; }
-    virtual void unused2() {}
-    virtual void unused3() {}
-    virtual void unused4() {}
-    virtual void unused5() {}
-    virtual void unused6() {}
-    virtual void unused7() {}
-    virtual Texts fileList(void*) { return {}; }
-    virtual void ninth() { std::abort(); }
-};
-
 static Provider provider;
-static MovedProvider moved_provider;
+/// Its operations, as an installer has them that declares one before `query`.
+static void* const* const moved = *reinterpret_cast<void* const* const*>(&provider) - 1;
 static Component component, other_component;
 static int component_calls = 0;
 
@@ -152,7 +140,8 @@ std::string Component::subdir() {
     return "/sub";
 }
 ComponentProvider* Component::provider() {
-    return breaks("slot") ? reinterpret_cast<ComponentProvider*>(&moved_provider) : &::provider;
+    return breaks("slot") ? reinterpret_cast<ComponentProvider*>(const_cast<void* const**>(&moved))
+                          : &::provider;
 }
 std::vector<Component*> TSD::components() {
     ++component_calls;

@@ -148,6 +148,11 @@ What a setup script finds, whatever state the caller left:
     failed: the command "workbench/wr-qev-1.0a/wr-setup/\x1b[1m.sh" "./product/suite/part" ended with status 127
   [1]
 
+A line that no log takes goes to standard error, without control characters:
+
+  $ wb run s.toml detect_wb_in_default_path --set log_file= --set DEFAULT_SEARCH_PATH=$'\033[1m' | grep string
+  workbench_int: default_path_string \x1b[1m
+
 Of much output the end is shown, and the log has it all:
 
   $ printf '#!/bin/sh\nhead -c 8388608 /dev/zero | tr "\\0" "~"; echo; echo last\n' >$setup
@@ -217,6 +222,12 @@ Bad arguments: one message, status 2, and nothing is run:
   wb-trial: --set "=x": write NAME=VALUE
   wb-trial: absent.so: the library does not load: ./absent.so: cannot open shared object file: No such file or directory
   wb-trial: /lib/*/libm.so.6: the library exports no detect_wb_in_default_path (glob)
+
+  $ refused install $'\033[1m.toml'
+  wb-trial: \x1b[1m.toml: No such file or directory
+  $ sed 's/_Z6is_dir/_Z6is_dxr/' "$WB_TRIAL_DIR/libworkbench-int.so.1n" >bad.toml
+  $ refused install s.toml --plugin ./bad.toml
+  wb-trial: ./bad.toml: the library does not load: ././bad.toml: undefined symbol: _Z6is_dxrRKNSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE
 
 A bad session file likewise:
 

@@ -123,7 +123,7 @@ int Sequence::call_plugin(std::string const& action) {
         return result;
     } catch (std::exception const& error) {
         std::cout << action << " did not return\n";
-        host_.outcome.fail(std::string("an exception ended it: ") + error.what());
+        host_.outcome.failures.push_back(std::string("an exception ended it: ") + error.what());
         return 0;
     }
 }
