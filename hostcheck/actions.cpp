@@ -21,7 +21,7 @@ void Report::write(std::string const& line) {
 
 void Report::promise(char const* operation, char const* text, std::function<Fault()> const& fault) {
     write(std::string("# calling ") + operation);
-    Fault found;
+    Fault found; // on one line, whatever it quotes
     try {
         found = fault();
     } catch (std::exception const& error) {
@@ -32,6 +32,8 @@ void Report::promise(char const* operation, char const* text, std::function<Faul
     write((found.empty() ? "ok " : "not ok ") + std::to_string(++count) + " - " + operation + ": " +
           text);
     if (found.empty()) return;
+    for (char& character : found)
+        if (static_cast<unsigned char>(character) < ' ') character = '?';
     write("  # " + found);
     failed.insert(operation);
 }
@@ -39,8 +41,6 @@ void Report::promise(char const* operation, char const* text, std::function<Faul
 static std::string shown(std::string text) {
     std::string const size = text.size() > 200 ? "... of " + std::to_string(text.size()) : "";
     text.resize(std::min(text.size(), std::size_t{200}));
-    for (char& character : text)
-        if (static_cast<unsigned char>(character) < ' ') character = '?';
     return '"' + text + '"' + size;
 }
 
@@ -68,8 +68,12 @@ static void log_report(session_t* session, Report const& report) try {
 
 /// Returns how many operations broke a promise.
 static int check_installer(session_t* session) {
-    std::string folder = fs::temp_directory_path() / "hostcheck-XXXXXX";
-    if (!mkdtemp(folder.data())) return std::perror(folder.c_str()), 1;
+    std::error_code error;
+    std::string folder = fs::temp_directory_path(error) / "hostcheck-XXXXXX";
+    if (error || !mkdtemp(folder.data())) {
+        std::cerr << "hostcheck: TMPDIR names no directory that can be written" << std::endl;
+        return 1;
+    }
     Report report;
     report.write("TAP version 13");
     check_variables(report, session);
@@ -82,7 +86,7 @@ static int check_installer(session_t* session) {
     check_components(report, session);
     report.write("1.." + std::to_string(report.count));
     log_report(session, report);
-    fs::remove_all(folder);
+    fs::remove_all(folder, error);
     return int(report.failed.size());
 }
 

@@ -11,16 +11,18 @@ static hostcheck::Fault wrong_mode(std::string const& name, unsigned int made) {
     struct stat status {};
     if (stat(name.c_str(), &status) != 0) return name + " is not there";
     char text[40];
-    std::snprintf(text, sizeof text, "made %04o, found %04o in ", made, status.st_mode & 07777U);
-    return (status.st_mode & 07777U) == made ? "" : text + name;
+    std::snprintf(text, sizeof text, "made %04o, found %04o in ", made, status.st_mode & 0777U);
+    return (status.st_mode & 0777U) == made ? "" : text + name;
 }
 
 void hostcheck::check_files(Report& report, std::string const& folder) {
     std::string const source = folder + "/source", copy = folder + "/copy", deep = "/a b/deep";
     report.promise("folder_create", "it and those above it are there, with mode 0755", [&] {
-        mode_t const mask = umask(077);
+        struct Mask {
+            mode_t before = umask(077);
+            ~Mask() { umask(before); }
+        } const mask;
         folder_create(folder + "/new/inner", 0755U);
-        umask(mask);
         return wrong_mode(folder + "/new/inner", 0755);
     });
     for (std::string const& name : {folder + "/kept", source + deep, copy + deep})
