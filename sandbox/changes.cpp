@@ -59,12 +59,11 @@ Attributes attributes_of(fs::path const& path) {
 
 /// Those that are not the same, or not in both.
 std::set<std::string> different(Attributes const& before, Attributes const& now) {
+    std::vector<Attributes::value_type> attributes;
+    std::set_symmetric_difference(before.begin(), before.end(), now.begin(), now.end(),
+                                  std::back_inserter(attributes));
     std::set<std::string> names;
-    for (auto const& [attributes, others] : {std::pair(&before, &now), {&now, &before}})
-        for (auto const& attribute : *attributes) {
-            auto const other = others->find(attribute.first);
-            if (other == others->end() || *other != attribute) names.insert(attribute.first);
-        }
+    for (auto const& attribute : attributes) names.insert(attribute.first);
     return names;
 }
 
@@ -151,12 +150,13 @@ std::string joined(std::vector<std::string> const& texts) {
     return list;
 }
 
+using Changes = std::map<std::string, Change>; // by path
+
 /// Compares one directory with what it was. Only what is in the upper layer can differ, if there is
 /// one. Paths are relative to the directory; an empty one is itself.
 class Comparison {
   public:
-    Comparison(Watched const& watched, std::vector<Change>& changes)
-        : watched_(watched), changes_(changes) {}
+    Comparison(Watched const& watched, Changes& changes) : watched_(watched), changes_(changes) {}
 
     void compare(fs::path const& path) {
         try {
@@ -166,7 +166,8 @@ class Comparison {
             else if (before && !(path.empty() && is_removed_outside())) remove(path, *before);
             else if (now) add('A', path, *now);
         } catch (std::system_error const& error) {
-            changes_.push_back({'M', present(path), "not known: " + error.code().message(), ""});
+            std::string const name = present(path);
+            changes_.insert({name, {'M', name, "not known: " + error.code().message(), ""}});
         }
     }
 
@@ -256,12 +257,12 @@ class Comparison {
 
     void report(char letter, fs::path const& path, Status const& status,
                 std::string const& detail = "", std::string const& difference = "") {
-        std::string const suffix = S_ISDIR(status.st_mode) ? "/" : "";
-        changes_.push_back({letter, present(path).string() + suffix, detail, difference});
+        std::string const name = present(path).string() + (S_ISDIR(status.st_mode) ? "/" : "");
+        changes_.insert({name, {letter, name, detail, difference}});
     }
 
     Watched const& watched_;
-    std::vector<Change>& changes_;
+    Changes& changes_;
 };
 
 } // namespace
@@ -273,16 +274,11 @@ Watched watch(fs::path const& directory, fs::path const& before, fs::path const&
 std::vector<Change> find_changes(std::vector<Watched> const& directories,
                                  fs::path const& left_out) {
     ReadingRights const rights;
+    Changes found;
+    for (Watched const& watched : directories) Comparison(watched, found).compare("");
+    found.erase(left_out);
     std::vector<Change> changes;
-    for (Watched const& watched : directories) Comparison(watched, changes).compare("");
-    auto const is_left_out = [&](Change const& change) { return change.path == left_out; };
-    changes.erase(std::remove_if(changes.begin(), changes.end(), is_left_out), changes.end());
-    std::sort(changes.begin(), changes.end(),
-              [](Change const& one, Change const& other) { return one.path < other.path; });
-    changes.erase(
-        std::unique(changes.begin(), changes.end(),
-                    [](auto const& one, auto const& other) { return one.path == other.path; }),
-        changes.end());
+    for (auto& change : found) changes.push_back(std::move(change.second));
     return changes;
 }
 

@@ -35,6 +35,10 @@ What changed is shown; what was only touched is not:
   Nothing on the disk was changed.
   status 0
 
+  $ lay 'for file in dir/*; do echo >$file; done'; touch workbench/dir/{1..300}
+  $ within=(prlimit --nofile=256); try install --preview | grep -c @@
+  302
+
 Processes in it. What a setup script finds and does, and what becomes of the check:
 
   $ in_sandbox() {
