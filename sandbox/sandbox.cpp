@@ -151,7 +151,8 @@ struct Preparation {
 /// Shuts this process, the first one of its namespace, in.
 Inside enter(Preparation const& prepared, Directories const& named, std::string const& scratch) {
     require(prctl(PR_SET_PDEATHSIG, SIGKILL) == 0, "end with the parent");
-    fs::path const place = fs::current_path();
+    std::error_code removed;
+    fs::path const place = fs::current_path(removed);
     require_right(unshare(CLONE_NEWNS) == 0, "unshare");
     require_right(mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0,
                   "make the mounts private");
@@ -159,7 +160,7 @@ Inside enter(Preparation const& prepared, Directories const& named, std::string 
     mount("proc", "/proc", "proc", MS_NOSUID | MS_NODEV | MS_NOEXEC, nullptr);
     Inside inside = look_around(mount_overlays(prepared.coverage, scratch, prepared.is_root),
                                 prepared.coverage, named);
-    require(chdir(place.c_str()) == 0, "enter the working directory " + place.string());
+    require(removed || chdir(place.c_str()) == 0, "enter the working directory " + place.string());
     drop_capabilities(prepared.forbidden, prepared.is_root);
     return inside;
 }
