@@ -1,5 +1,6 @@
 What the program, its manual page, its completion and the documents say of each other.
 
+  $ [ -e /proc/self ] || exit 80
   $ root=$TESTDIR/..
   $ PATH=$WB_TRIAL_DIR:$PATH
   $ options() {

@@ -89,3 +89,8 @@ An ordinary user. What belongs to a further group of theirs could change outside
   $ ordinary check "$OLDPWD/s.toml" --set WB_INTEGRATION_PATH=/absent | sed "s|$OLDPWD|.|g"
   wb-trial: there can be no sandbox: enter the working directory ./closed: Permission denied; where the disk may change, use wb-trial check --no-sandbox
   status 2
+
+Without /proc a check on the real disk says what it cannot see:
+
+  $ cd ..; lay :; unshare -m sh -c 'mount -t tmpfs x /proc; wb-trial check --no-sandbox s.toml' | grep ^note
+  note: there is no /proc: what still runs after the uninstall is not seen

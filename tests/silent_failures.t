@@ -38,14 +38,9 @@ A log that cannot be opened, and a full disk:
   the log cannot be written; its lines go to standard error
   dir_copy(*) failed: File too large: * (glob)
 
-A setup script that is not executable, fails, is killed or is missing:
+A setup script that is killed:
 
-  $ running() {
-  >     after "$1" wb install s.toml --set WB_PREFS=
-  > }
-  $ running 'chmod -x $setup'
-  the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 126
-  $ running 'echo "kill -9 \$\$" >>$setup; keep'
+  $ after 'echo "kill -9 \$\$" >>$setup; keep' wb install s.toml --set WB_PREFS=
   the command "workbench/wr-qev-1.0a/wr-setup/setup.sh" "./product/suite/part" ended with status 137
 
 Scripts with which an integration cannot be undone:

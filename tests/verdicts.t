@@ -1,5 +1,6 @@
 A check says the same of a product with and without a sandbox, to root and to an ordinary user.
 
+  $ [ -e /proc/self ] || exit 80
   $ . "$TESTDIR/site.sh"
   $ . "$TESTDIR/users.sh"
 

@@ -155,6 +155,8 @@ ExitStatus check_without_sandbox(Session const& session, Sequence& sequence, Rep
     int const result = sandbox::run_in_child([&] {
         signals.release();
         return status_or_error([&] {
+            if (!fs::exists("/proc/self"))
+                report.note("there is no /proc: what still runs after the uninstall is not seen");
             bool const has_succeeded =
                 check.run(ChangeReport(copies.directories(), session, report));
             std::cout << "What the last list shows is left on the disk. Nothing beside the "
