@@ -68,7 +68,7 @@ Processes in it. What a setup script finds and does, and what becomes of the che
   $ try install --preview | grep still
   note: still running: sleep 98
   $ queue=$(ipcmk -Q | tr -dc 0-9)
-  $ in_sandbox 'ipcrm -a; ipcs -q | wc -l'
+  $ in_sandbox 'ipcrm --all=msg; ipcs -q | wc -l'
       4
   status 0
   $ ipcrm -q "$queue"
