@@ -29,6 +29,8 @@ Each mistake is named before anything is run. What is done to the session or the
   $ mistake 'sed -i s/off-workbench.*false/a-workbench\"/ s.toml'
   several components have "workbench" in their names; the first one counts, "a-workbench"
   the listed path "share/wr-qev-1.0a/readme.txt" decides that the configuration is "wr-qev-1.0a", and there is no such directory in "./product"; its name has to be wr-qev- and four characters, its files listed first
+  $ mistake 'sed -i "s/, files = .*/ }]/" s.toml' --set WB_PREFS=
+  no listed path contains "wr-qev-", so there is no configuration
   $ mistake 'mv $config ${config}b; sed -i "s/wr-qev-1.0a/wr-qev-1.0ab/" s.toml'
   the listed path "share/wr-qev-1.0ab/readme.txt" decides that the configuration is "wr-qev-1.0a", and there is no such directory in "./product/suite/part"; its name has to be wr-qev- and four characters, its files listed first
   $ mistake : --set WORKBENCH_SCRIPT_NAME=setup.sh
@@ -49,7 +51,8 @@ Each mistake is named before anything is run. What is done to the session or the
 Where there is no workbench that can be used:
 
   $ stopped() {
-  >     wb install s.toml "$@" | sed -n '/^Stopped/p; /^Stopped/,$s/returned/was called/p' || :
+  >     wb install s.toml "$@" | sed -n '/^Stopped/p; /^Stopped/,$s/returned/was called/p'
+  >     echo "status ${PIPESTATUS[0]}" | sed '/status 1$/d'
   > }
   $ echo '#hostname=1 name=3.1 name = 4' >workbench/install.properties
   $ stopped --set WB_INTEGRATION_PATH=workbench --set SUPPORTED_VERSION='2;3.2;3.1'

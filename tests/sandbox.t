@@ -7,10 +7,10 @@ In a sandbox everything may change, as far as the kernel lets, and nothing of it
 What changed is shown; what was only touched is not:
 
   $ lay 'touch touched; chmod 600 binary; echo >>binary; ln -sfn dir link; mkdir new; echo >new/1; ln -s absent new/link
-  > rm -r dir; mkdir dir; touch dir/other; rm install.properties; mkdir install.properties; seq 40 60 >text
+  > rm -r dir; mkdir dir; touch dir/other; rm -r gone install.properties; mkdir install.properties; seq 40 60 >text
   > echo >"dir
   > x"; yes | head -c 6291456 >large; head -c 400 /dev/zero | tr "\0" x >long; echo >same; mkdir closed; chmod 000 closed'
-  $ seq 30 >workbench/text; printf '1\0' >workbench/binary; ln -s tex workbench/link; touch workbench/touched
+  $ mkdir workbench/gone; touch workbench/gone/file; seq 30 >workbench/text; printf '1\0' >workbench/binary; ln -s tex workbench/link; touch workbench/touched
   $ yes | head -c 5242880 >workbench/large; head -c 2048 /dev/zero >workbench/same; echo >workbench/long
   $ try install --preview | changes | sed '/^      -[0-9]/d'
   changed by the install:
@@ -18,6 +18,8 @@ What changed is shown; what was only touched is not:
     A ./workbench/closed/ (0 files, 0 B)
     A ./workbench/dir\nx
     D ./workbench/dir/file
+    D ./workbench/gone/
+    D ./workbench/gone/file
     T ./workbench/install.properties/ (0 files, 0 B)
     M ./workbench/large (content 5.0 MiB -> 6.0 MiB)
     M ./workbench/link (link tex -> dir)
@@ -31,7 +33,7 @@ What changed is shown; what was only touched is not:
     M ./workbench/text
         @@ -1,30 +1,21 @@
         32 more lines
-    A ./workbench/wr-qev-1.0a/ (2 files, 405 B)
+    A ./workbench/wr-qev-1.0a/ (2 files, 413 B)
   Nothing on the disk was changed.
   status 0
 

@@ -8,21 +8,12 @@
 
 #include "actions/actions.h"
 #include "installer/host.h"
+#include "trial/plugin.h"
 
 namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
 
-struct Action {
-    char const* name;
-    int (*run)(session_t*);
-};
-inline constexpr Action all_actions[] = {
-    {"detect_wb_in_default_path", workbench_int::detect_wb_in_default_path},
-    {"validate_wb_path", workbench_int::validate_wb_path},
-    {"find_wb_components", workbench_int::find_wb_components},
-    {"perform_integration", workbench_int::perform_integration},
-    {"perform_deintegration", workbench_int::perform_deintegration},
-    {"init_wb_prefs", workbench_int::init_wb_prefs}};
+inline trial::Plugin const plugin(trial::bundled_plugin());
 
 inline std::string read_file(fs::path const& file) {
     return {std::istreambuf_iterator<char>(std::ifstream(file).rdbuf()), {}};

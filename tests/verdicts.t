@@ -40,6 +40,8 @@ Setup script, uninstall script, verdict:
   1 failure: check: the uninstall leaves the workbench changed status 1
   $ both_ways '(sleep 99 & echo $! >p) >/dev/null 2>&1' 'kill $(cat p); while kill -0 $(cat p) 2>/dev/null; do sleep 0.01; done; rm p'
   The workbench is as it was. status 0
+  $ both_ways 'sleep 0.5 >/dev/null 2>&1 &' :
+  The workbench is as it was. status 0
   $ both_ways 'sleep 9 >/dev/null 2>&1 &' :
   The workbench is as it was. 1 failure: check: still running after the uninstall: sleep 9 status 1
 

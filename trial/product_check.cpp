@@ -135,7 +135,8 @@ class ProductCheck {
         std::string const& subdirectory = for_workbench_[0]->subdirectory;
         check_joined("subdir", subdirectory, "");
         std::string const deciding = first_listed_with(marker);
-        if (deciding.empty()) return;
+        if (deciding.empty())
+            return add("no listed path contains \"wr-qev-\", so there is no configuration");
         std::string const name = normalised(deciding.substr(deciding.find(marker), name_size));
         std::string const part = normalised(session_.value("VORN_INSTALL_DIR") + subdirectory);
         if (is_there(part) && !is_there(part + "/" + name))
