@@ -1,106 +1,101 @@
-#include <sys/stat.h>
-
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
+#include <set>
+#include <utility>
+#include <vector>
 
-#include "host/services.h"
 #include "hostcheck/hostcheck.h"
 
 namespace fs = std::filesystem;
 
 namespace hostcheck {
 
-void Report::write(std::string const& line) {
-    lines.push_back(line);
-    char const* const file = std::getenv("HOSTCHECK_REPORT");
-    auto const mode = lines.size() == 1 ? std::ios::out : std::ios::app;
-    if (!file || !(std::ofstream(file, mode) << line << '\n')) std::cerr << line << std::endl;
-}
+static std::ofstream report;
+static std::vector<std::string> unlogged, faults;
+static std::set<std::string> failed; // operations
+static int count = 0;
+static bool logs = false; // each line, those before too
 
-void Report::promise(char const* operation, char const* text, std::function<Fault()> const& fault) {
-    write(std::string("# calling ") + operation);
-    Fault found; // on one line, whatever it quotes
-    try {
-        found = fault();
-    } catch (std::exception const& error) {
-        found = std::string("an exception came out: ") + error.what();
-    } catch (...) {
-        found = "something came out that is no std::exception";
-    }
-    write((found.empty() ? "ok " : "not ok ") + std::to_string(++count) + " - " + operation + ": " +
-          text);
-    if (found.empty()) return;
-    for (char& character : found)
+/// Writes one line at once, whatever it quotes, so that the last one says where a crash was.
+static void write(std::string line) try {
+    for (char& character : line)
         if (static_cast<unsigned char>(character) < ' ') character = '?';
-    write("  # " + found);
-    failed.insert(operation);
+    if (!(report << line << std::endl)) std::cerr << line << std::endl;
+    unlogged.push_back(line);
+    if (logs)
+        for (std::string const& next : std::exchange(unlogged, {}))
+            print_log("hostcheck: %s", next.c_str());
+} catch (...) {
+    logs = false; // where print_log is tried, the report says so
 }
 
-static std::string shown(std::string text) {
-    std::string const size = text.size() > 200 ? "... of " + std::to_string(text.size()) : "";
-    text.resize(std::min(text.size(), std::size_t{200}));
-    return '"' + text + '"' + size;
+void promise(char const* operation, char const* text, std::function<void()> const& attempt) {
+    faults.clear();
+    write(std::string("# calling ") + operation);
+    try {
+        attempt();
+    } catch (std::exception const& error) {
+        fault(std::string("an exception came out: ") + error.what());
+    } catch (...) {
+        fault("something came out that is no std::exception");
+    }
+    char const* const verdict = faults.empty() ? "ok " : "not ok ";
+    write(verdict + std::to_string(++count) + " - " + operation + ": " + text);
+    for (std::string const& what : faults) write("  # " + what);
+    if (!faults.empty()) failed.insert(operation);
 }
 
-Fault difference(std::string const& expected, std::string const& found) {
-    return expected == found ? "" : "expected " + shown(expected) + ", found " + shown(found) + " ";
+void fault(std::string const& what) {
+    faults.push_back(what);
+}
+
+void expect(std::string const& expected, std::string const& found) {
+    auto const shown = [](std::string const& text) {
+        return '"' + text.substr(0, 200) + "\" (size " + std::to_string(text.size()) + ")";
+    };
+    if (expected != found) fault("expected " + shown(expected) + ", found " + shown(found));
 }
 
 std::string read_file(std::string const& file) {
-    return {std::istreambuf_iterator<char>(std::ifstream(file).rdbuf()), {}};
+    std::string text = "(cannot be read)";
+    std::getline(std::ifstream(file), text, '\0');
+    return text;
 }
 
 void write_file(std::string const& file, std::string const& text, unsigned int mode) {
+    fs::create_directories(fs::path(file).parent_path());
     std::ofstream(file) << text;
-    chmod(file.c_str(), mode);
-}
-
-/// Sends the report to the installer's log too, as far as that works.
-static void log_report(session_t* session, Report const& report) try {
-    logging_state_t** const no_state = nullptr;
-    log_init(env_get_string(session, "log_file").c_str(), no_state);
-    for (std::string const& line : report.lines) print_log("hostcheck: %s", line.c_str());
-} catch (...) {
-    return; // the report has said so
+    fs::permissions(file, fs::perms(mode));
 }
 
 /// Returns how many operations broke a promise.
 static int check_installer(session_t* session) {
     std::error_code error;
     std::string folder = fs::temp_directory_path(error) / "hostcheck-XXXXXX";
+    if (char const* const file = std::getenv("HOSTCHECK_REPORT")) report.open(file);
+    write("TAP version 13");
     if (error || !mkdtemp(folder.data())) {
-        std::cerr << "hostcheck: TMPDIR names no directory that can be written" << std::endl;
+        write("Bail out! TMPDIR names no directory that can be written");
         return 1;
     }
-    Report report;
-    report.write("TAP version 13");
-    check_variables(report, session);
-    for (auto const check :
-         {check_log, check_paths, check_files, check_commands, check_preferences}) {
-        std::string const part = folder + "/" + std::to_string(report.count);
-        fs::create_directory(part);
-        check(report, part);
-    }
-    check_components(report, session);
-    report.write("1.." + std::to_string(report.count));
-    log_report(session, report);
+    variables(session, folder);
+    log(session, folder);
+    logs = true; // the installer's own is open
+    for (Check* const check : {paths, files, commands, preferences, components})
+        check(session, folder);
+    write("1.." + std::to_string(count));
     fs::remove_all(folder, error);
-    return int(report.failed.size());
+    return int(failed.size());
 }
 
 } // namespace hostcheck
 
 // Whichever action the installer calls first tries it. All return the same.
-extern "C" {
-int find_wb_components(session_t* session) {
+extern "C" int find_wb_components(session_t* session) {
     static int const failed = hostcheck::check_installer(session);
     return failed;
 }
-[[gnu::alias("find_wb_components")]] int validate_wb_path(session_t*);
-[[gnu::alias("find_wb_components")]] int detect_wb_in_default_path(session_t*);
-[[gnu::alias("find_wb_components")]] int perform_integration(session_t*);
-[[gnu::alias("find_wb_components")]] int perform_deintegration(session_t*);
-[[gnu::alias("find_wb_components")]] int init_wb_prefs(session_t*);
-}
+using Action = int(session_t*);
+extern "C" [[gnu::alias("find_wb_components")]] Action validate_wb_path, detect_wb_in_default_path,
+    perform_integration, perform_deintegration, init_wb_prefs;

@@ -1,51 +1,37 @@
-#include "host/component_model.h"
-
-#include <algorithm>
-
+#include "workbench/components.h"
 #include "hostcheck/hostcheck.h"
 
-/// The files of all components that are to be installed, asked for as the plug-in does.
-static std::vector<std::string> all_files(TSD& tsd) {
-    std::vector<std::string> files;
-    for (Component* const component : tsd.components()) {
-        if (!component || component->name.empty() || !component->installCondition()) continue;
-        ComponentProvider* const queried = component->provider();
-        if (!queried) continue;
-        auto const handle = queried->query(std::string(), component->name, std::string());
-        ComponentProvider* const listing = handle ? component->provider() : nullptr;
-        if (!listing) continue;
-        for (std::string const& file : listing->fileList(handle)) files.push_back(file);
-    }
-    return files;
-}
+using namespace workbench_int;
 
+/// What find_wb_components asks for: the names, up to the one whose sub-directory it takes.
 static std::string names(TSD& tsd) {
     std::string text;
-    for (Component* const component : tsd.components())
-        text += component ? component->name + "/" + component->subdir() + ";" : "null;";
+    for (Component* const entry : tsd.components()) {
+        if (!is_to_be_installed(entry)) continue;
+        text += entry->name + ";";
+        if (entry->name.find("workbench") != std::string::npos) return text + entry->subdir();
+    }
     return text;
 }
 
-void hostcheck::check_components(Report& report, session_t* session) {
+void hostcheck::components(session_t* session, std::string const&) {
     TSD& tsd = session->tsd;
-    report.promise("components", "each call returns the same components", [&] {
-        return tsd.components() == tsd.components() ? "" : "the second list is another one";
+    promise("components", "each call returns the same components", [&] {
+        if (tsd.components() != tsd.components()) fault("it is another list");
     });
-    report.promise("components", "names and sub-directories are intact after 10,000 calls", [&] {
-        Fault fault;
+    promise("installCondition, subdir", "names are intact after 10,000 calls", [&] {
         std::string const before = names(tsd);
-        for (int round = 0; round < 10000 && fault.empty(); ++round)
-            fault = difference(before, names(tsd));
-        return fault;
+        for (int round = 0; round < 10000; ++round)
+            if (names(tsd) != before) return expect(before, names(tsd));
     });
-    report.promise("fileList", "as the ninth operation, it lists paths", [&] {
-        auto const is_control = [](unsigned char byte) { return byte < ' '; };
-        for (std::string const& file : all_files(tsd))
-            if (std::any_of(file.begin(), file.end(), is_control))
-                return difference("a path", file);
-        return Fault();
-    });
-    report.promise("fileList", "each call lists the same", [&] {
-        return all_files(tsd) == all_files(tsd) ? "" : "the second list is another one";
+    promise("provider, query, fileList", "the ninth lists paths, always the same", [&] {
+        for (Component* const entry : tsd.components()) {
+            if (!is_to_be_installed(entry)) continue;
+            std::vector<std::string> const files = installed_files(*entry);
+            if (installed_files(*entry) != files) fault("it is another list");
+            for (std::string const& file : files)
+                for (char const character : file)
+                    if (static_cast<unsigned char>(character) < ' ') fault("no path: " + file);
+        }
     });
 }

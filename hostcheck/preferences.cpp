@@ -1,39 +1,33 @@
 #include "host/ini_db.h"
 
+#include <fstream>
 #include <memory>
-#include <sstream>
 
 #include "hostcheck/hostcheck.h"
 
-static std::string value_in(std::string const& file, std::string const& key) {
-    std::istringstream lines(hostcheck::read_file(file));
-    for (std::string line; std::getline(lines, line);)
-        if (line.rfind(key, 0) == 0 && line.find('=') != std::string::npos)
-            return line.substr(
-                std::min(line.find_first_not_of(" \t", line.find('=') + 1), line.size()));
-    return "no such key";
+static void expect_value(std::string const& file, char const* key, char const* value) {
+    std::ifstream stream(file);
+    for (std::string name, found; std::getline(stream, name, '=');) {
+        std::getline(stream >> std::ws, found);
+        if (name.find(key) != std::string::npos) return hostcheck::expect(value, found);
+    }
+    hostcheck::fault(std::string("no value is there for ") + key);
 }
 
-void hostcheck::check_preferences(Report& report, std::string const& folder) {
-    std::string const with_key = folder + "/with.prefs", without_key = folder + "/without.prefs";
-    auto const set = [&](char const* file, std::string const& value) {
-        auto const preferences = std::make_unique<IniDb>(folder, file, std::string("="));
-        preferences->setValue("home", value, true);
+void hostcheck::preferences(session_t*, std::string const& folder) {
+    auto const set_home = [&](std::string const& name, char const* before) {
+        write_file(folder + "/" + name, before);
+        auto const preferences = std::make_unique<IniDb>(folder, name, std::string("="));
+        preferences->setValue("home", "/opt/my product", true);
         preferences->save();
+        expect_value(folder + "/" + name, "home", "/opt/my product");
     };
-    write_file(with_key, "first=1\nhome=old\nlast=2\n");
-    write_file(without_key, "first=1\n");
-    report.promise("IniDb", "a key that is there gets the value, with its blanks", [&] {
-        set("with.prefs", "/opt/my product");
-        return difference("/opt/my product", value_in(with_key, "home"));
-    });
-    report.promise("IniDb", "a key that is not there is added", [&] {
-        set("without.prefs", "/opt/product");
-        return difference("/opt/product", value_in(without_key, "home"));
-    });
-    report.promise("IniDb", "other keys are kept", [&] {
-        return difference("1", value_in(with_key, "first")) +
-               difference("2", value_in(with_key, "last")) +
-               difference("1", value_in(without_key, "first"));
+    promise("IniDb", "a key that is there gets the value, with its blanks",
+            [&] { set_home("with", "first=1\nhome=old\nlast=2\n"); });
+    promise("IniDb", "a key that is not there is added", [&] { set_home("without", "first=1\n"); });
+    promise("IniDb", "other keys are kept", [&] {
+        expect_value(folder + "/with", "first", "1");
+        expect_value(folder + "/with", "last", "2");
+        expect_value(folder + "/without", "first", "1");
     });
 }

@@ -201,7 +201,7 @@ Its own operations keep what an installer has to promise:
   find_wb_components returned 0
   [1]
   $ grep '^not ok' report; tail -n 1 report
-  1..36
+  1..33
 
 Bad arguments: one message, status 2, and nothing is run:
 
