@@ -3,7 +3,7 @@
 The verdict on a workbench of version 3.1, for lists of versions:
 
   $ validate() { wb run s.toml validate_wb_path --set WB_INTEGRATION_PATH=workbench "$@" | sed -n 's/.*PATH_STATUS = //p'; }
-  $ for list in '3.1;' 3.1 '2;3.1;4;' ';' '2;;' '3;' ''; do
+  $ for list in '3.1;' 3.1 '2;3.1;4;' ';' '2;;' ''; do
   >     echo "'$list' $(validate --set SUPPORTED_VERSION="$list")"
   > done
   '3.1;' "ok"
@@ -11,7 +11,6 @@ The verdict on a workbench of version 3.1, for lists of versions:
   '2;3.1;4;' "ok"
   ';' "ok"
   '2;;' "ok"
-  '3;' "ok"
   '' "undefined"
 
 The workbench comes first, then the list, then writing:
@@ -31,10 +30,9 @@ The workbench comes first, then the list, then writing:
 The workbench that is proposed, for lists of places:
 
   $ site
-  $ for list in absent workbench 'workbench// absent' ' absent  ./workbench workbench ' absent$'\t'workbench; do
+  $ for list in workbench 'workbench// absent' ' absent  ./workbench workbench ' absent$'\t'workbench; do
   >     echo "'$list' $(wb run s.toml detect_wb_in_default_path --set WB_INTEGRATION_PATH=old --set DEFAULT_SEARCH_PATH="$list" | tail -n 1)"
   > done
-  'absent'   WB_INTEGRATION_PATH = ""
   'workbench'   WB_INTEGRATION_PATH = "workbench"
   'workbench// absent'   WB_INTEGRATION_PATH = "workbench//"
   ' absent  ./workbench workbench '   WB_INTEGRATION_PATH = "./workbench"
@@ -66,13 +64,12 @@ An integration that cannot begin touches nothing:
 
 The files that a marker finds to be preferences files:
 
-  $ for marker in .prefs part .PREFS ''; do
+  $ for marker in .prefs .PREFS ''; do
   >     site
   >     wb run s.toml init_wb_prefs --set WB_PREFS="$marker" >/dev/null
   >     echo "'$marker' $(grep -c home=. "$prefs")"
   > done
   '.prefs' 1
-  'part' 1
   '.PREFS' 0
   '' 0
 

@@ -5,23 +5,13 @@
 #include "workbench/configuration.h"
 
 TEST(Actions, MakeTheseHostCallsAndNoOthers) {
-    /// The provider of "gone" is there when it is asked for a handle, and then no more.
-    struct : Site {
-        std::unique_ptr<installer::FileProvider> aside;
-        void ends(std::string const& call) override {
-            Site::ends(call);
-            auto& provider = host.session.components[5]->file_provider;
-            if (call.rfind(provider ? "query(\"\", \"gone" : "components", 0) == 0)
-                std::swap(provider, aside);
-        }
-    } site;
+    Site site;
     site.host.session.components.front() = nullptr;
     site.add_component("", {"wr-qev-0.0a"});
     site.add_component("off-workbench", {"wr-qev-0.0b"}).install_condition = false;
     site.add_component("bare", {}).file_provider = nullptr;
-    site.add_component("empty", {});
-    site.add_component("gone", {"wr-qev-0.0c"});
     site.add_component("workbench", {"", "part\\wr-qev-1.0a\\a.prefs", "wr-qev-9.9z"});
+    site.add_component("empty", {});
     site.add_component("workbench-later", {"part/wr-qev-1.0a/./a.prefs"}).subdirectory = "later";
     std::string shown;
     for (char const* const name : trial::action_names) {

@@ -81,8 +81,6 @@ An integration that was not undone, or cannot have been:
   the command "./product/suite/vorn/wb_deintegrate.sh" ended with status 126
   $ undoing 'mv $copy copy; ln -s ../copy $copy'
   the directory "workbench/wr-qev-1.0a" that the de-integration script removes was not there; was it named from another folder, or is it uninstalled already?
-  $ undoing 'rm -r $copy; ln -s absent $copy'
-  the directory "workbench/wr-qev-1.0a" that the de-integration script removes was not there; was it named from another folder, or is it uninstalled already?
   $ undoing 'chmod 555 workbench'
   the command "./product/suite/vorn/wb_deintegrate.sh" ended with status 1
   the directory "workbench/wr-qev-1.0a" is still there; see the output

@@ -1,7 +1,6 @@
 // usage: small_host LIBRARY [PROMISE]
 // An installer that does no more than it has to, for either set of headers. It loads the library,
-// calls one action and prints its result. It breaks the promise that is given, as the report has
-// it.
+// calls one action and prints its result. It breaks the promise that is given.
 
 #include <dlfcn.h>
 #include <sys/stat.h>

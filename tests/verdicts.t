@@ -47,8 +47,6 @@ Setup script, uninstall script, verdict:
 
 An earlier integration leaves no verdict; an empty directory of that name is none:
 
-  $ both_ways : 'mkdir wr-qev-1.0a'
-  The workbench is as it was. status 0
   $ lay :; mkdir "$copy"; judge
   1 failure: check: the uninstall leaves the workbench changed status 1
   $ lay :; integrate >/dev/null; judge

@@ -162,8 +162,6 @@ Of much output the end is shown, and the log has it all:
   4194298
   $ grep said report
     its command said 8388614 bytes, of which the last 4194304 were:
-  $ grep -c '^    last$' report
-  1
   $ tr -cd '~' <log | wc -c
   8388608
 
@@ -209,7 +207,7 @@ Bad arguments: one message, status 2, and nothing is run:
   $ : >bad.toml
   $ find . | sort >"$TMPDIR/before"
   $ for arguments in '' install 'install absent.toml' 'install workbench' 'install s.toml more' \
-  >     'run s.toml init_wb_prefs exit' 'install s.toml --set A' 'install s.toml --set =x' \
+  >     'run s.toml init_wb_prefs exit' 'install s.toml --set =x' \
   >     'install s.toml --plugin absent.so' 'install s.toml --plugin /lib/*/libm.so.6'; do
   >     refused $arguments
   > done
@@ -219,7 +217,6 @@ Bad arguments: one message, status 2, and nothing is run:
   wb-trial: workbench: Is a directory
   The following argument was not expected: more
   ACTION: exit not in {detect_wb_in_default_path,validate_wb_path,find_wb_components,perform_integration,perform_deintegration,init_wb_prefs}
-  wb-trial: --set "A": write NAME=VALUE
   wb-trial: --set "=x": write NAME=VALUE
   wb-trial: absent.so: the library does not load: ./absent.so: cannot open shared object file: No such file or directory
   wb-trial: /lib/*/libm.so.6: the library exports no detect_wb_in_default_path (glob)
@@ -233,7 +230,7 @@ Bad arguments: one message, status 2, and nothing is run:
 A bad session file likewise:
 
   $ for text in '[variables' 'a = 1' '[variables]\nWB_PREFS = "x"\nlog_file = 1' \
-  >     'variables = 1' '[component]\nname = "a"' '[[component]]' '[[component]]\nname = "a"\nfiles = "a"' \
+  >     '[component]\nname = "a"' '[[component]]' '[[component]]\nname = "a"\nfiles = "a"' \
   >     '[[component]]\nname = "a"\nfiles_from = "absent"' '\377'; do
   >     printf "$text\n" >bad.toml
   >     refused install bad.toml
@@ -241,7 +238,6 @@ A bad session file likewise:
   wb-trial: bad.toml:1: Error while parsing table header: expected ']', saw '\n'
   wb-trial: bad.toml:1: unknown key a; a session has [variables] and [[component]]
   wb-trial: bad.toml:3: log_file has to be a string
-  wb-trial: bad.toml:1: variables has to be a table: [variables]
   wb-trial: bad.toml:1: component has to be a list of tables: [[component]]
   wb-trial: bad.toml:1: a component needs a name
   wb-trial: bad.toml:3: files has to be a list of strings
