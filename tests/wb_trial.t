@@ -25,7 +25,7 @@ Options stand before or after the rest, and actions run in the order given, what
   $ site
   $ sed -i '/VORN_INSTALL_DIR/s|/|/${SESSION_DIR}/|' s.toml
   $ ln -s "$PWD" "$PWD/s.toml" product/suite
-  $ wb run --trace s.toml perform_deintegration init_wb_prefs --set WB_PREFS= find_wb_components --set VORN_INSTALL_SUBDIR=x |
+  $ wb --trace run s.toml perform_deintegration init_wb_prefs --set WB_PREFS= find_wb_components --set VORN_INSTALL_SUBDIR=x |
   >     grep -e VORN_INSTALL_DIR -e fileList -e returned
   env_get_string("VORN_INSTALL_DIR") = "././product"
   perform_deintegration returned 0

@@ -64,7 +64,6 @@ ExitStatus run_in_sandbox(Session const& session, Report const& report,
             return status_of(has_succeeded);
         });
     };
-    std::cout.flush();
     return ExitStatus(sandbox::run(named, run_and_report));
 }
 
