@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <memory>
 #include <string>
 
@@ -16,13 +17,13 @@ namespace sandbox {
 
 namespace {
 
-/// Whether no other mount hides the one with this number. Neither asks a server nor mounts
-/// anything.
+/// Whether no other mount hides the one with this number, as far as this user may look. Neither
+/// asks a server nor mounts anything.
 bool is_visible(char const* place, int number) {
     struct statx status {};
     int const flags = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
-    return statx(AT_FDCWD, place, flags, 0, &status) == 0 &&
-           status.stx_mnt_id == static_cast<unsigned>(number);
+    if (statx(AT_FDCWD, place, flags, 0, &status) != 0) return errno == EACCES;
+    return status.stx_mnt_id == static_cast<unsigned>(number);
 }
 
 bool is_kernels_own(fs::path const& directory) {

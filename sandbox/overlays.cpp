@@ -37,6 +37,7 @@ void make_upper(fs::path const& folder, int lower) {
     struct stat status {};
     require(mkdir(folder.c_str(), S_IRWXU) == 0 && fstat(lower, &status) == 0, "make a folder");
     int const upper = open_directory(folder);
+    require(upper != -1, "open a folder");
     mode_t mode = status.st_mode & 07777;
     if (fchown(upper, status.st_uid, status.st_gid) != 0 && status.st_uid != geteuid()) {
         mode &= ~mode_t{S_IRWXU};
@@ -98,6 +99,7 @@ std::map<fs::path, Layers> make_layers(std::map<fs::path, int> const& lowers, fs
         make_upper(upper, lower);
         require(mkdir(work.c_str(), S_IRWXU) == 0, "make a folder");
         int const overlay = make_overlay(lower, upper, work, is_root);
+        require(overlay != -1 || errno != EMFILE, "cover " + directory.string());
         if (overlay == -1) close(lower);
         else all[directory] = {lower, overlay, upper};
     }
@@ -119,9 +121,11 @@ std::map<fs::path, int> copy_mounts(Coverage const& coverage,
     return copies;
 }
 
+/// Leaves out what somebody else has removed by now.
 void put_in_place(int mount, fs::path const& place) {
-    require(move_mount(mount, "", AT_FDCWD, place.c_str(), MOVE_MOUNT_F_EMPTY_PATH) == 0,
-            "mount at " + place.string());
+    bool const is_there =
+        move_mount(mount, "", AT_FDCWD, place.c_str(), MOVE_MOUNT_F_EMPTY_PATH) == 0;
+    require(is_there || errno == ENOENT, "mount at " + place.string());
     close(mount);
 }
 
@@ -152,7 +156,8 @@ std::vector<Watched> mount_overlays(Coverage const& coverage, std::string const&
     std::vector<Watched> watched;
     watched.reserve(layers.size());
     for (auto const& [directory, of_directory] : layers)
-        watched.push_back(watch(directory, path_of(of_directory.lower), of_directory.upper));
+        if (fs::exists(directory))
+            watched.push_back(watch(directory, path_of(of_directory.lower), of_directory.upper));
     return watched;
 }
 

@@ -61,9 +61,9 @@ void require_own(fs::path const& directory) {
     struct stat status {};
     if (stat(directory.c_str(), &status) != 0 || access(directory.c_str(), W_OK) != 0) return;
     std::string const cannot = directory.string() + " cannot change in one: it belongs to the ";
-    if (geteuid() == 0 && status.st_uid != 0)
+    if (status.st_uid != geteuid())
         refuse(cannot + "owner " + std::to_string(status.st_uid) +
-               "; run as root outside of a container");
+               (geteuid() == 0 ? "; run as root outside of a container" : "; run as root"));
     if (status.st_gid == getegid()) return;
     group const* const found = getgrgid(status.st_gid);
     std::string const name = found ? found->gr_name : std::to_string(status.st_gid);
@@ -206,7 +206,7 @@ void require(bool succeeds, std::string const& what) {
 int run(Directories const& named, std::function<int(Inside const&)> const& work) {
     bool const is_root = has_rights_of_root();
     if (!is_root)
-        for (fs::path const& directory : present(named.needed)) require_own(directory);
+        for (fs::path const& directory : present(named.own)) require_own(directory);
     std::vector<fs::path> all = named.needed;
     all.insert(all.end(), named.wanted.begin(), named.wanted.end());
     Preparation const prepared = {plan_coverage(all, is_root), forbidden_capabilities(), is_root};

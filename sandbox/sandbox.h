@@ -16,6 +16,7 @@ namespace sandbox {
 
 struct Directories {
     std::vector<std::filesystem::path> needed; ///< without one of these there is no sandbox
+    std::vector<std::filesystem::path> own;    ///< of these the ones to belong to this user
     std::vector<std::filesystem::path> wanted; ///< these are covered as far as the kernel lets
 };
 

@@ -77,9 +77,9 @@ Processes in it. What a setup script finds and does, and what becomes of the che
 
 It ends with wb-trial, and wb-trial by the signal that ends it:
 
-  $ lay 'sleep 97531'
+  $ lay "sleep 9$$"
   $ is_asleep() {
-  >     grep -qsxz 97531 /proc/[0-9]*/cmdline
+  >     grep -qsxz "9$$" /proc/[0-9]*/cmdline
   > }
   $ for signal in KILL TERM INT; do
   >     env --default-signal=INT wb-trial check s.toml --set WB_INTEGRATION_PATH=workbench >/dev/null &
@@ -115,10 +115,11 @@ The log is no change, wherever it lies:
   >     lay :; mkdir logs; ln -s ../logs/absent workbench/dangling; : >logs/old; ln -s logs/old link
   >     try check --set log_file="$1" | verdict
   > }
-  $ for log in /dev/null install.log link workbench/dangling; do
+  $ for log in /dev/null /var/tmp/install.log install.log link workbench/dangling; do
   >     logging "$log" | sed "s|^|'$log' |"
   > done
   '/dev/null' The workbench is as it was. status 0
+  '/var/tmp/install.log' The workbench is as it was. status 0
   'install.log' The workbench is as it was. status 0
   'link' The workbench is as it was. status 0
   'workbench/dangling' The workbench is as it was. status 0

@@ -79,6 +79,8 @@ An ordinary user. What belongs to a further group of theirs could change outside
   $ ordinary check s.toml --set WB_INTEGRATION_PATH=workbench | grep -e PATH_STATUS -e ^status
     PATH_STATUS = "notwritable"
   status 1
+  $ chmod 777 workbench; ordinary check s.toml --set WB_INTEGRATION_PATH=workbench | grep -o 'owner 0; run as root'
+  owner 0; run as root
   $ lay 'echo >x' 'rm x'; own 4711; mkdir -m 755 others; mv workbench others; chown 12345:12345 others
   $ ordinary check s.toml --set WB_INTEGRATION_PATH=others/workbench | verdict
   The workbench is as it was. status 0

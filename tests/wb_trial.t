@@ -74,7 +74,7 @@ A signal in the middle of a copy ends the program by that signal, and leaves not
   $ interrupted() {
   >     site
   >     truncate -s 3G $config/large
-  >     nice wb-trial run s.toml perform_integration --set WB_INTEGRATION_PATH=workbench &
+  >     nice env --default-signal wb-trial run s.toml perform_integration --set WB_INTEGRATION_PATH=workbench &
   >     for try in {1..900}; do
   >         stat -c %a $copy/.wb-trial-* 2>/dev/null | grep -x 600 && break
   >         sleep 0.01

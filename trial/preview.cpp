@@ -52,8 +52,10 @@ std::vector<Change> ChangeReport::show(std::string const& title) const {
 ExitStatus run_in_sandbox(Session const& session, Report const& report,
                           std::function<bool(ChangeReport const&)> const& work) {
     std::string const temporary = environment("TMPDIR", "/tmp");
+    fs::path const workbench = workbench_directory(session), product = product_directory(session);
     sandbox::Directories const named = {
-        {workbench_directory(session), product_directory(session), log_folder(log_file(session))},
+        {workbench, product, log_folder(log_file(session))},
+        {workbench, product},
         {environment("HOME", ""), temporary, "/tmp", "/var/tmp", "/dev/shm"}};
     auto const run_and_report = [&](sandbox::Inside const& inside) -> int {
         return status_or_error([&] {
