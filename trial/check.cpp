@@ -119,19 +119,24 @@ class Copies {
   private:
     void copy(fs::path const& place) {
         std::string const copy = folder_ + "/" + std::to_string(directories_.size());
-        char const* const command[] = {"cp", "-a", "--", place.c_str(), copy.c_str(), nullptr};
-        pid_t process = 0;
-        int status = posix_spawnp(&process, "cp", nullptr, nullptr,
-                                  const_cast<char* const*>(command), environ);
-        if (status == 0) waitpid(process, &status, 0);
-        if (status == 0) return directories_.push_back(sandbox::watch(place, copy, ""));
+        if (succeeds({"cp", "-a", "--", place.c_str(), copy.c_str(), nullptr}))
+            return directories_.push_back(sandbox::watch(place, copy, ""));
         remove();
         throw StartError("cp: " + place.string() + " cannot be copied");
     }
 
     void remove() const {
         std::error_code is_left;
+        succeeds({"chmod", "-R", "u+rwX", "--", folder_.c_str(), nullptr});
         fs::remove_all(folder_, is_left);
+    }
+
+    /// Runs a command whose words end with a null pointer.
+    static bool succeeds(std::vector<char const*> const& command) {
+        pid_t process = 0;
+        int status = posix_spawnp(&process, command[0], nullptr, nullptr,
+                                  const_cast<char* const*>(command.data()), environ);
+        return status == 0 && waitpid(process, &status, 0) == process && status == 0;
     }
 
     std::string folder_;
@@ -151,18 +156,20 @@ ExitStatus check_without_sandbox(Session const& session, Sequence& sequence, Rep
     Check check(session, sequence, report);
     Copies const copies(check.places());
     std::cout << "The disk changes: this check really installs and uninstalls." << std::endl;
-    prctl(PR_SET_CHILD_SUBREAPER, 1);
-    int const result = sandbox::run_in_child([&] {
-        signals.release();
-        return status_or_error([&] {
-            if (!fs::exists("/proc/self"))
-                report.note("there is no /proc: what still runs after the uninstall is not seen");
-            bool const has_succeeded =
-                check.run(ChangeReport(copies.directories(), session, report));
-            std::cout << "What the last list shows is left on the disk. Nothing beside the "
-                         "workbench and the product was compared.\n";
-            report.summary();
-            return status_of(has_succeeded);
+    auto const run_and_report = [&] {
+        if (!fs::exists("/proc/self"))
+            report.note("there is no /proc: what still runs after the uninstall is not seen");
+        bool const has_succeeded = check.run(ChangeReport(copies.directories(), session, report));
+        std::cout << "What the last list shows is left on the disk. Nothing beside the "
+                     "workbench and the product was compared.\n";
+        report.summary();
+        return status_of(has_succeeded);
+    };
+    int const result = sandbox::run_in_child([&] { // in which no child is the caller's
+        prctl(PR_SET_CHILD_SUBREAPER, 1);
+        return sandbox::run_in_child([&] {
+            signals.release();
+            return status_or_error(run_and_report);
         });
     });
     if (result <= not_started) return ExitStatus(result);
