@@ -17,18 +17,16 @@ struct Outcome {
 
     std::vector<std::string> failures; ///< in words; the plug-in ignores them
     std::vector<std::string> notes;    ///< worth knowing, and no failures
+    bool has_failed_for_good = false;  ///< what fails afterwards only follows from it
 
+    /// Does nothing where it has failed for good.
     void fail(std::string const& sentence) {
         if (!has_failed_for_good) failures.push_back(sentence);
     }
-    /// What fails afterwards only follows from it, and is not added.
     void fail_for_good(std::string const& sentence) {
         fail(sentence);
         has_failed_for_good = true;
     }
-
-  private:
-    bool has_failed_for_good = false;
 };
 
 } // namespace installer

@@ -25,6 +25,8 @@ Each mistake is named before anything is run. What is done to the session or the
   VORN_INSTALL_DIR and VORN_INSTALL_SUBDIR make "./productsuite", which is not there; is a slash missing before "suite"? Only for the location in preferences files a slash is put there.
   $ mistake 'sed -i s/workbench-part/PD-Workbench/ s.toml'
   no component to be installed has "workbench" in its name: "PD-Workbench" (differs in case only)
+  $ mistake 'sed -i "s/files_from = .*}/install_condition = false }/" s.toml' --set WB_PREFS=
+  no component to be installed has "workbench" in its name: none is to be installed
   $ mistake 'sed -i s/off-workbench.*false/a-workbench\"/ s.toml'
   several components have "workbench" in their names; the first one counts, "a-workbench"
   the listed path "share/wr-qev-1.0a/readme.txt" decides that the configuration is "wr-qev-1.0a", and there is no such directory in "./product"; its name has to be wr-qev- and four characters, its files listed first
@@ -34,6 +36,9 @@ Each mistake is named before anything is run. What is done to the session or the
   the listed path "share/wr-qev-1.0ab/readme.txt" decides that the configuration is "wr-qev-1.0a", and there is no such directory in "./product/suite/part"; its name has to be wr-qev- and four characters, its files listed first
   $ mistake : --set WORKBENCH_SCRIPT_NAME=setup.sh
   there is no "setup.sh.sh" in "./product/suite/part/wr-qev-1.0a/wr-setup/", but "setup.sh", "uninst_wr_qev.sh"; WORKBENCH_SCRIPT_NAME is written without .sh
+  $ mistake 'rm -r $uninstall product/suite/vorn'
+  there is no "uninst_wr_qev.sh" in "./product/suite/part/wr-qev-1.0a/wr-setup/", but "setup.sh"; without it, what was set up stays
+  there is no "./product/suite/vorn" for the de-integration script; the product has to bring that folder
   $ mistake 'chmod -x $setup'
   "./product/suite/part/wr-qev-1.0a/wr-setup/setup.sh" is not executable; chmod +x it
   $ mistake 'sed -i 1d $setup'
@@ -66,8 +71,8 @@ Where there is no workbench that can be used:
 
 A run that fails ends with all that failed. What only follows from a failure is none of its own:
 
-  $ mistake 'rm -r $config' >/dev/null
-  $ wb install s.toml --set WB_INTEGRATION_PATH=workbench | sed -n '/ failure/,$p'
+  $ site; rm -r $config
+  $ wb check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench | sed -n '/ failure/,$p'
   1 failure:
     perform_integration: dir_copy("./product/suite/part/wr-qev-1.0a", "workbench/wr-qev-1.0a") failed: No such file or directory: "./product/suite/part/wr-qev-1.0a"
   [1]
@@ -81,6 +86,8 @@ Names that are not known, and a library that cannot be used; nothing is run:
 
   $ refused chek s.toml
   wb-trial: unknown command chek; did you mean check?
+  $ refused s.toml
+  wb-trial: unknown command s.toml; known are "check", "install", "uninstall", "run"
   $ refused install s.toml --set WB_INTEGRATION_DIR=workbench
   wb-trial: --set: unknown variable WB_INTEGRATION_DIR; did you mean WB_INTEGRATION_PATH?
   $ echo 'WORKBENCH_SCRIPT = "setup"' >>s.toml; refused install s.toml

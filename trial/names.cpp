@@ -50,7 +50,9 @@ std::string unknown_name(std::string const& kind, std::string const& name,
                                           [&](std::string const& one, std::string const& other) {
                                               return distance(name, one) < distance(name, other);
                                           });
-    return "unknown " + kind + " " + name + "; did you mean " + *nearest + "?";
+    bool const is_similar = distance(name, *nearest) <= name.size() / 2;
+    return "unknown " + kind + " " + name + "; " +
+           (is_similar ? "did you mean " + *nearest + "?" : "known are " + enumerated(known));
 }
 
 std::string enumerated(std::vector<std::string> const& names) {

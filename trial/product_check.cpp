@@ -117,8 +117,8 @@ class ProductCheck {
     }
 
     void check_components() {
-        if (for_workbench_.empty() && !installed_.empty()) {
-            std::string names;
+        if (for_workbench_.empty()) {
+            std::string names = installed_.empty() ? "none is to be installed" : "";
             for (ProductComponent const* component : installed_) {
                 names += (names.empty() ? "" : ", ") + show(component->name);
                 if (holds(in_lower_case(component->name), "workbench"))
@@ -148,19 +148,25 @@ class ProductCheck {
     }
 
     void check_scripts(std::string const& directory) {
-        std::string const setup = session_.value("WORKBENCH_SCRIPT_NAME") + ".sh";
-        if (!is_there(directory + setup))
-            add("there is no " + show(setup) + " in " + show(directory) + ", but " +
-                enumerated(names_in(directory)) + "; WORKBENCH_SCRIPT_NAME is written without .sh");
-        for (std::string const& script : {directory + setup, directory + "uninst_wr_qev.sh"}) {
-            if (!is_there(script)) continue;
-            if (!is_executable(script)) add(show(script) + " is not executable; chmod +x it");
+        for (auto const& [name, hint] :
+             {std::pair(session_.value("WORKBENCH_SCRIPT_NAME") + ".sh",
+                        "WORKBENCH_SCRIPT_NAME is written without .sh"),
+              {"uninst_wr_qev.sh", "without it, what was set up stays"}}) {
+            std::string const script = directory + name;
             std::string const fault = fault_of_first_line(script);
+            if (!is_there(script))
+                add("there is no " + show(name) + " in " + show(directory) + ", but " +
+                    enumerated(names_in(directory)) + "; " + hint);
+            else if (!is_executable(script)) add(show(script) + " is not executable; chmod +x it");
             if (!fault.empty()) add(show(script) + " " + fault);
         }
     }
 
     void check_workbench(std::string const& configuration) {
+        fs::path const folder = fs::path(deintegration_script(session_)).parent_path();
+        if (is_there(folder.parent_path()) && !is_there(folder))
+            add("there is no " + show(folder.string()) +
+                " for the de-integration script; the product has to bring that folder");
         fs::path const copy = fs::path(workbench_directory(session_)) / configuration;
         fs::path const earlier = copy_to_be_undone(session_);
         bool const is_own = is_same_place(earlier, copy);

@@ -53,7 +53,8 @@ std::string explanation(Session const& session) {
                enumerated(version_keys(versions)) + ", and its install.properties has " +
                enumerated(version_words(workbench + "/install.properties")) +
                "; end each version in SUPPORTED_VERSION by \";\", without blanks";
-    return show(workbench) + " cannot be written by this user";
+    if (status == "notwritable") return show(workbench) + " cannot be written by this user";
+    return "validate_wb_path wrote no verdict to PATH_STATUS";
 }
 
 std::string why_not_begun(Session const& session) {
@@ -83,10 +84,13 @@ bool Sequence::call(std::string const& action) {
     Outcome& outcome = host_.outcome = {};
     bool const is_undo = action == "perform_deintegration";
     std::string const earlier_copy = copy_to_be_undone(host_.session);
-    if (is_undo) check_before_undo(host_.session, earlier_copy, outcome);
+    if (is_undo && has_copied_) check_before_undo(host_.session, earlier_copy, outcome);
     int const result = call_plugin(action);
     if (is_undo) check_is_removed(earlier_copy, outcome);
-    if (!outcome.copy.empty()) check_undo_is_possible(host_.session, earlier_copy, outcome);
+    if (!outcome.copy.empty()) {
+        check_undo_is_possible(host_.session, earlier_copy, outcome);
+        has_copied_ = !outcome.has_failed_for_good;
+    }
     if (result == -1) outcome.fail(why_not_begun(host_.session));
     else if (result != 0 && outcome.failures.empty())
         outcome.fail("the result is " + std::to_string(result));

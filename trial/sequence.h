@@ -34,6 +34,7 @@ class Sequence {
     Report& report_;
     std::string choice_; ///< the workbench that the session names
     bool has_integrated_ = false, has_integrated_again_ = false;
+    bool has_copied_ = true; ///< false where an integration failed to
 };
 
 } // namespace trial
