@@ -73,8 +73,10 @@ void write_file(std::string const& file, std::string const& text, unsigned int m
 static int check_installer(session_t* session) {
     std::error_code error;
     std::string folder = fs::temp_directory_path(error) / "hostcheck-XXXXXX";
-    if (char const* const file = std::getenv("HOSTCHECK_REPORT")) report.open(file);
+    char const* const file = std::getenv("HOSTCHECK_REPORT");
+    if (file) report.open(file);
     write("TAP version 13");
+    if (file && !report) write(std::string("# HOSTCHECK_REPORT cannot be written: ") + file);
     if (error || !mkdtemp(folder.data())) {
         write("Bail out! TMPDIR names no directory that can be written");
         return 1;

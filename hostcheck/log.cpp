@@ -13,7 +13,8 @@ void hostcheck::log(session_t* session, std::string const& folder) {
             // Read when the installer's own is open again, for a line may be written late.
             open_log(env_get_string(session, "log_file"));
             std::string const found = read_file(file);
-            if (found.find(logged) == std::string::npos) expect(logged, found);
+            bool const ends_twice = found.find("three\n\n") != std::string::npos;
+            if (found.find(logged) == std::string::npos || ends_twice) expect(logged, found);
         });
     };
     std::string const large = "100% %s %n " + std::string(1U << 20, 'x') + " end";

@@ -1,7 +1,6 @@
 #include "host/ini_db.h"
 
 #include <fstream>
-#include <memory>
 
 #include "hostcheck/hostcheck.h"
 
@@ -17,9 +16,9 @@ static void expect_value(std::string const& file, char const* key, char const* v
 void hostcheck::preferences(session_t*, std::string const& folder) {
     auto const set_home = [&](std::string const& name, char const* before) {
         write_file(folder + "/" + name, before);
-        auto const preferences = std::make_unique<IniDb>(folder, name, std::string("="));
-        preferences->setValue("home", "/opt/my product", true);
-        preferences->save();
+        IniDb preferences(folder, name, std::string("="));
+        preferences.setValue("home", "/opt/my product", true);
+        preferences.save();
         expect_value(folder + "/" + name, "home", "/opt/my product");
     };
     promise("IniDb", "a key that is there gets the value, with its blanks",

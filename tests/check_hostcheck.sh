@@ -17,6 +17,7 @@ sed -n 's/^ok [0-9]* - //p' report >promises
 { sed 's/.*/&|&/' promises && cat; } >rows <<'TABLE'
 exception|env_get_string.*
 lost link|dir_copy: all is copied.*
+ended twice|print_log: one call.*
 wait|get_command_output: .*\(status\|ended\).*
 control character|.*fileList.*
 TABLE
