@@ -44,7 +44,7 @@ bool has_rights_of_root() {
 
 std::set<int> forbidden_capabilities() {
     std::set<int> forbidden = {CAP_SYS_ADMIN, CAP_SYS_PTRACE, CAP_SYS_CHROOT, CAP_MKNOD,
-                               CAP_SYS_RAWIO, CAP_SYS_MODULE, CAP_PERFMON};
+                               CAP_SYS_RAWIO, CAP_SYS_MODULE, CAP_SYS_TIME,   CAP_PERFMON};
     for (int number = 0, held = 0; (held = prctl(PR_CAPBSET_READ, number)) >= 0; ++number)
         if (held == 0) forbidden.insert(number);
     return forbidden;

@@ -55,20 +55,42 @@ void require_right(bool succeeds, std::string const& what) {
     require(succeeds, what);
 }
 
+/// Its name, or its number where it has none.
+std::string name_of(gid_t number) {
+    group const* const found = getgrgid(number);
+    return found ? found->gr_name : std::to_string(number);
+}
+
+/// Whether `sg` makes the group the first one of this user.
+bool can_be_first(gid_t number) {
+    std::vector<gid_t> own(std::size_t(getgroups(0, nullptr)));
+    getgroups(int(own.size()), own.data());
+    return getgrgid(number) && std::count(own.begin(), own.end(), number) != 0;
+}
+
 /// In a user namespace there is one user with one group. What belongs to others cannot change
 /// there, though this user could change it outside.
-void require_own(fs::path const& directory) {
-    struct stat status {};
-    if (stat(directory.c_str(), &status) != 0 || access(directory.c_str(), W_OK) != 0) return;
-    std::string const cannot = directory.string() + " cannot change in one: it belongs to the ";
-    if (status.st_uid != geteuid())
-        refuse(cannot + "owner " + std::to_string(status.st_uid) +
-               (geteuid() == 0 ? "; run as root outside of a container" : "; run as root"));
-    if (status.st_gid == getegid()) return;
-    group const* const found = getgrgid(status.st_gid);
-    std::string const name = found ? found->gr_name : std::to_string(status.st_gid);
-    refuse(cannot + "group " + name + ", which is not your first one; run it in sg " + name +
-           " -c '...', or as root");
+void require_own(std::set<fs::path> const& directories) {
+    std::string others;
+    std::set<gid_t> groups;
+    bool is_owner = true;
+    for (fs::path const& directory : directories) {
+        struct stat status {};
+        if (stat(directory.c_str(), &status) != 0 || access(directory.c_str(), W_OK) != 0) continue;
+        groups.insert(status.st_gid);
+        bool const is_own = status.st_uid == geteuid();
+        is_owner = is_owner && is_own;
+        if (is_own && status.st_gid == getegid()) continue;
+        others +=
+            (others.empty() ? "" : ", ") + directory.string() + " belongs to the " +
+            (is_own ? "group " + name_of(status.st_gid) : "owner " + std::to_string(status.st_uid));
+    }
+    if (others.empty()) return;
+    bool const helps_sg = is_owner && groups.size() == 1 && can_be_first(*groups.begin());
+    std::string const remedy =
+        helps_sg ? "run it in sg " + name_of(*groups.begin()) + " -c '...', or" : "run it";
+    refuse("only what is yours, and your first group's, could change in it: " + others + "; " +
+           remedy + " as root" + (geteuid() == 0 ? " outside of a container" : ""));
 }
 
 /// Makes the process the one user of a user namespace, in which it stays who it is and may mount.
@@ -205,8 +227,7 @@ void require(bool succeeds, std::string const& what) {
 
 int run(Directories const& named, std::function<int(Inside const&)> const& work) {
     bool const is_root = has_rights_of_root();
-    if (!is_root)
-        for (fs::path const& directory : present(named.own)) require_own(directory);
+    if (!is_root) require_own(present(named.own));
     std::vector<fs::path> all = named.needed;
     all.insert(all.end(), named.wanted.begin(), named.wanted.end());
     Preparation const prepared = {plan_coverage(all, is_root), forbidden_capabilities(), is_root};
