@@ -13,7 +13,6 @@ struct Outcome {
     std::string output;               ///< of its command; where there is much, the end
     std::size_t output_size = 0;      ///< of all the output, in bytes
     std::string copy;                 ///< the directory that it had a configuration copied into
-    bool was_there = false;           ///< whether that directory was there before
 
     std::vector<std::string> failures; ///< in words; the plug-in ignores them
     std::vector<std::string> notes;    ///< worth knowing, and no failures

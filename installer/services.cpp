@@ -8,6 +8,7 @@
 #include <cstring>
 #include <filesystem>
 #include <iostream>
+#include <utility>
 
 #include "installer/files.h"
 #include "installer/host.h"
@@ -31,12 +32,19 @@ std::string log_line(std::string_view format, va_list arguments) {
     return line += format;
 }
 
+/// Each action opens it again, so this is a failure of the first one alone.
+void fail_log(std::string const& sentence) {
+    Host& host = Host::current();
+    if (!std::exchange(host.has_log_failed, true))
+        host.outcome.fail(sentence + "; its lines go to standard error");
+}
+
 void write_log(std::string const& line) {
     Host& host = Host::current();
     if (host.log.is_open()) {
         if (host.log << line << std::endl) return;
         host.log.close();
-        host.outcome.fail("the log cannot be written; its lines go to standard error");
+        fail_log("the log cannot be written");
     }
     std::cerr << printable(line, "\t\n") << '\n';
 }
@@ -73,8 +81,7 @@ int log_init(char const* file, logging_state_t**) {
         host.log = std::ofstream();
         if (*file) host.log.open(file, std::ios::app);
         if (*file && !host.log.is_open())
-            host.outcome.fail("the log " + show(file) + " cannot be opened (" +
-                              std::strerror(errno) + "); its lines go to standard error");
+            fail_log("the log " + show(file) + " cannot be opened (" + std::strerror(errno) + ")");
         return 0;
     };
     return host_call(open_log, "log_init", file);
@@ -108,11 +115,7 @@ int is_writable(std::string name) {
 }
 
 void folder_create(std::string directory, unsigned int mode) {
-    auto const create = [&](Outcome& outcome) {
-        outcome.was_there =
-            fs::is_directory(fs::symlink_status(directory)) && !fs::is_empty(directory);
-        create_folder(directory, mode, outcome);
-    };
+    auto const create = [&](Outcome& outcome) { create_folder(directory, mode, outcome); };
     call_on_disk(create, "folder_create", directory, Mode{mode});
 }
 

@@ -23,6 +23,12 @@ Each mistake is named before anything is run. What is done to the session or the
   "workbench" is relative: the integration can be undone from this folder only; write it from the root
   $ mistake : --set VORN_INSTALL_SUBDIR=suite
   VORN_INSTALL_DIR and VORN_INSTALL_SUBDIR make "./productsuite", which is not there; is a slash missing before "suite"? Only for the location in preferences files a slash is put there.
+  $ mistake 'sed -i s,/suite/part,/part, s.toml'
+  VORN_INSTALL_DIR and subdir make "./product/part", which is not there; is it misspelt?
+  $ mistake : --set VORN_INSTALL_DIR=/absent --set WB_PREFS=
+  VORN_INSTALL_DIR is "/absent", which is not there
+  $ mistake : --set log_file=absent/log
+  there is no folder "./absent" for the log; make it
   $ mistake 'sed -i s/workbench-part/PD-Workbench/ s.toml'
   no component to be installed has "workbench" in its name: "PD-Workbench" (differs in case only)
   $ mistake 'sed -i "s/files_from = .*}/install_condition = false }/" s.toml' --set WB_PREFS=
@@ -35,10 +41,12 @@ Each mistake is named before anything is run. What is done to the session or the
   $ mistake 'mv $config ${config}b; sed -i "s/wr-qev-1.0a/wr-qev-1.0ab/" s.toml'
   the listed path "share/wr-qev-1.0ab/readme.txt" decides that the configuration is "wr-qev-1.0a", and there is no such directory in "./product/suite/part"; its name has to be wr-qev- and four characters, its files listed first
   $ mistake : --set WORKBENCH_SCRIPT_NAME=setup.sh
-  there is no "setup.sh.sh" in "./product/suite/part/wr-qev-1.0a/wr-setup/", but "setup.sh", "uninst_wr_qev.sh"; WORKBENCH_SCRIPT_NAME is written without .sh
+  there is no "setup.sh.sh" in "./product/suite/part/wr-qev-1.0a/wr-setup/", but "setup.sh", "uninst_wr_qev.sh"; WORKBENCH_SCRIPT_NAME has to be the name of one of them, written without .sh
+  $ mistake : --set WORKBENCH_SCRIPT_NAME=
+  there is no ".sh" in "./product/suite/part/wr-qev-1.0a/wr-setup/", but "setup.sh", "uninst_wr_qev.sh"; WORKBENCH_SCRIPT_NAME is not set
   $ mistake 'rm -r $uninstall product/suite/vorn'
-  there is no "uninst_wr_qev.sh" in "./product/suite/part/wr-qev-1.0a/wr-setup/", but "setup.sh"; without it, what was set up stays
   there is no "./product/suite/vorn" for the de-integration script; the product has to bring that folder
+  there is no "uninst_wr_qev.sh" in "./product/suite/part/wr-qev-1.0a/wr-setup/", but "setup.sh"; without it, nothing undoes what the setup script does
   $ mistake 'chmod -x $setup'
   "./product/suite/part/wr-qev-1.0a/wr-setup/setup.sh" is not executable; chmod +x it
   $ mistake 'sed -i 1d $setup'
@@ -48,6 +56,8 @@ Each mistake is named before anything is run. What is done to the session or the
   "./product/suite/part/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" names "/opt/absent/bash" in its first line, which is not there
   $ mistake : --set WB_PREFS=.ini
   no listed path contains ".ini", the text in WB_PREFS
+  $ mistake 'sed -i s,product/suite\",product\", s.toml'
+  there is no preferences file "./product/suite/suite/part/wr-qev-1.0a/a.prefs", which the listed path "suite/part/wr-qev-1.0a/a.prefs" makes; it has to be listed by its path in VORN_INSTALL_DIR and VORN_INSTALL_SUBDIR
   $ mistake 'mkdir $copy; touch $copy/other'
   "./workbench/wr-qev-1.0a" is there, and not by this product, for no script of it names that; the next uninstall would remove both; give yours a name of its own
   $ mistake 'integrate >/dev/null; mv $copy ${copy}2; sed -i s/1.0a/1.0a2/ $script'
@@ -62,6 +72,11 @@ Where there is no workbench that can be used:
   $ echo '#hostname=1 name=3.1 name = 4' >workbench/install.properties
   $ stopped --set WB_INTEGRATION_PATH=workbench --set SUPPORTED_VERSION='2;3.2;3.1'
   Stopped: "workbench" is of no supported version: looked for "name=2", "name=3.2", and its install.properties has "#hostname=1", "name=3.1"; end each version in SUPPORTED_VERSION by ";", without blanks.
+  $ echo '#hostname' >workbench/install.properties
+  $ stopped --set WB_INTEGRATION_PATH=workbench --set SUPPORTED_VERSION='3.1;'
+  Stopped: "workbench" is of no supported version: looked for "name=3.1", and its install.properties has no word with "name=".
+  $ stopped --set WB_INTEGRATION_PATH=workbench --set SUPPORTED_VERSION='3.1'
+  Stopped: "workbench" is of no supported version: no version in SUPPORTED_VERSION is complete, and its install.properties has no word with "name="; end each version in SUPPORTED_VERSION by ";", without blanks.
   $ stopped --set WB_INTEGRATION_PATH=workbench --set SUPPORTED_VERSION=
   Stopped: SUPPORTED_VERSION is empty.
   $ stopped --set WB_INTEGRATION_PATH=product

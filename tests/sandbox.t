@@ -141,9 +141,11 @@ The directories are what they are outside: a default ACL, a link as workbench, a
   $ try check | grep /x
     A ../t/a,b:c\d"e'\n f/x
     A ../t/a,b:c\d"e'\n f/x
-  $ lay 'mkdir "$TMPDIR/x"; echo >"$HOME/x"; echo >/var/tmp/x.wb-trial; echo >/dev/shm/x.wb-trial'
+  $ echo secret >"$HOME/key"; chmod 600 "$HOME/key"
+  $ lay 'mkdir "$TMPDIR/x"; echo x >>"$HOME/key"; echo >"$HOME/x"; echo >/var/tmp/x.wb-trial; echo >/dev/shm/x.wb-trial'
   $ try check | changes | sed '1,/^left/d; /^The/,$d'
     A /dev/shm/x.wb-trial
+    M ../home/key (text that others cannot read)
     A ../home/x
     A ../t/x/ (0 files, 0 B)
     A /var/tmp/x.wb-trial
@@ -171,7 +173,6 @@ A mount in the home or the temporary directory keeps that from changing, and not
   $ within=(unshare -Urm sh -c 'mount -t tmpfs x "$HOME/share"; mount -t tmpfs x "$TMPDIR/mount"; exec "$@"' -)
   $ try check | grep -e '^note: .*mount' -e '^    ' -e ^The
   note: /tmp cannot change as a whole here, because of the mount at ../home/share
-  note: ../home cannot change as a whole here, because of the mount at ../home/share
   note: ../t cannot change as a whole here, because of the mount at ../t/mount
       /var/tmp
       workbench/wr-qev-1.0a/wr-setup/setup.sh: 3: cannot create ../home/file: Read-only file system

@@ -12,9 +12,9 @@ One whole report. In what follows, only the failures are shown:
   perform_integration returned 0
     its command said:
       setup, arguments: 1 ./product/suite/part
-    failed: the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" cannot be executed (Permission denied), so what was set up stays; is it in the product, executable?
+    failed: the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" cannot be executed (Permission denied), so nothing undoes what the setup script does; is it in the product, executable?
   1 failure:
-    perform_integration: the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" cannot be executed (Permission denied), so what was set up stays; is it in the product, executable?
+    perform_integration: the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" cannot be executed (Permission denied), so nothing undoes what the setup script does; is it in the product, executable?
   [1]
 
 A copy that cannot be made:
@@ -32,7 +32,7 @@ A copy that cannot be made:
 
 A log that cannot be opened, and a full disk:
 
-  $ after : wb run s.toml find_wb_components --set log_file=absent/log
+  $ after : wb run s.toml find_wb_components{,} --set log_file=absent/log
   the log "absent/log" cannot be opened (No such file or directory); its lines go to standard error
   $ after : on_full_disk integrate
   the log cannot be written; its lines go to standard error
@@ -46,7 +46,7 @@ A setup script that is killed:
 Scripts with which an integration cannot be undone:
 
   $ after 'rm $uninstall; keep' integrate
-  the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not there, so what was set up stays; is it in the product, executable?
+  the uninstall script "workbench/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" is not there, so nothing undoes what the setup script does; is it in the product, executable?
   $ after 'rm -r product/suite/vorn' integrate
   the de-integration script "./product/suite/vorn/wb_deintegrate.sh" cannot be written (No such file or directory); is its folder there and writable?
   $ after 'chmod 555 product/suite/vorn' integrate
@@ -69,6 +69,8 @@ An integration that was not undone, or cannot have been:
   >     failures unprivileged wb uninstall s.toml
   > }
   $ undoing 'rm $script'
+  nothing undoes the integration in "workbench/wr-qev-1.0a", for there is no "./product/suite/vorn/wb_deintegrate.sh"; integrate again, then uninstall
+  $ undoing 'rm -r $script $copy'
   the product is not integrated: there is no "./product/suite/vorn/wb_deintegrate.sh"
   $ undoing 'truncate -s -2 $script'
   the de-integration script "./product/suite/vorn/wb_deintegrate.sh" is there only in part; integrate again, then uninstall

@@ -82,7 +82,7 @@ changes() {
 
 # Of a report: the verdict and the failures alone, in a line.
 verdict() {
-    sed -n '/^The workbench/p; /^[0-9]* failure/,$p; /^status/p' | uniq | paste -sd' ' | tr -s ' '
+    sed -n '/^The workbench/p; /^note: the/p; /^wb-trial/p; /^[0-9]* failure/,$p; /^status/p' | uniq | paste -sd' ' | tr -s ' '
 }
 
 # judge: the verdict in a sandbox and without one, once where both are the same

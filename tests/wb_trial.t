@@ -177,7 +177,7 @@ A report that cannot be written is a failure, wherever it was to go:
   $ wb-trial run s.toml find_wb_components >&-
   wb-trial: the report cannot be written
   [1]
-  $ wb-trial check --no-sandbox s.toml >/dev/full
+  $ site; wb-trial check --no-sandbox s.toml >/dev/full
   wb-trial: the report cannot be written
   [1]
   $ wb-trial --version >/dev/full

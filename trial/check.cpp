@@ -10,7 +10,9 @@
 
 #include "installer/held_signals.h"
 #include "sandbox/processes.h"
+#include "trial/places.h"
 #include "trial/preview.h"
+#include "trial/product_check.h"
 
 namespace fs = std::filesystem;
 using installer::Session;
@@ -20,76 +22,58 @@ namespace trial {
 
 namespace {
 
-bool lies_in(std::string const& path, fs::path const& directory) {
-    return !directory.empty() && (path + "/").rfind(directory / "", 0) == 0;
-}
-
-/// The product and the workbench, free of links.
-struct Places {
-    fs::path workbench, product;
-
-    explicit Places(Session const& session)
-        : workbench(resolved(workbench_directory(session))),
-          product(resolved(product_directory(session))) {}
-
-    bool is_in_workbench(std::string const& path) const {
-        bool const is_products =
-            lies_in(path, product) && product != workbench && lies_in(product, workbench);
-        return lies_in(path, workbench) && !is_products;
-    }
-
-  private:
-    static fs::path resolved(fs::path const& name) {
-        std::error_code unreachable;
-        return fs::weakly_canonical(name, unreachable);
-    }
-};
-
 /// Installs, uninstalls and judges.
 class Check {
   public:
+    /// Throws StartError where an integration is there already, for it would be undone too.
     Check(Session const& session, Sequence& sequence, Report& report)
-        : places_(session), sequence_(sequence), report_(report) {}
+        : session_(session), places_(session), sequence_(sequence), report_(report) {
+        std::string const earlier = find_integration(session);
+        if (!earlier.empty()) throw StartError(earlier);
+    }
 
-    /// Returns whether nothing failed.
-    bool run(ChangeReport const& changes) {
-        bool has_succeeded = sequence_.install();
+    void run(ChangeReport const& changes) {
+        sequence_.install();
         changes.show("changed by the install");
-        if (!sequence_.has_integrated())
-            return has_succeeded && fail("nothing was checked, for nothing was integrated");
-        has_succeeded = sequence_.call("perform_deintegration") && has_succeeded;
+        if (!sequence_.has_integrated()) {
+            if (!report_.has_failed()) fail("nothing was checked, for nothing was integrated");
+            return;
+        }
+        sequence_.call("perform_deintegration");
         for (std::string const& process : sandbox::left_running())
-            has_succeeded = fail("still running after the uninstall: " + process);
-        std::vector<Change> const left = changes.show("left by the uninstall");
-        if (sequence_.has_integrated_again())
-            return fail("the workbench holds an earlier integration already, so this cannot tell "
-                        "whether one is undone; uninstall first, then check again");
-        return judge(left) && has_succeeded;
+            fail("still running after the uninstall: " + process);
+        judge(changes.show("left by the uninstall"));
     }
 
     Places const& places() const { return places_; }
 
   private:
-    /// What is left in the product is by design.
-    bool judge(std::vector<Change> const& left) {
-        bool is_workbench_changed = false, is_other_changed = false;
+    void judge(std::vector<Change> const& left) {
+        bool in_workbench = false, in_product = false, elsewhere = false;
         for (Change const& change : left) {
-            bool const is_in_workbench = places_.is_in_workbench(change.path);
-            is_workbench_changed |= is_in_workbench;
-            is_other_changed |= !is_in_workbench && !lies_in(change.path, places_.product);
+            if (places_.is_in_workbench(change.path)) in_workbench = true;
+            else if (!places_.is_in_product(change.path)) elsewhere = true;
+            else if (!is_by_design(change)) in_product = true;
         }
-        if (is_workbench_changed) fail("the uninstall leaves the workbench changed");
+        if (in_workbench) fail("the uninstall leaves the workbench changed");
         else if (!places_.workbench.empty()) report_.success("The workbench is as it was.");
-        if (is_other_changed)
-            fail("the uninstall leaves changes beside the workbench and the product");
-        return !is_workbench_changed && !is_other_changed;
+        if (elsewhere) fail("the uninstall leaves changes beside the workbench and the product");
+        if (in_product)
+            report_.note("the uninstall leaves the product changed, and not only its "
+                         "de-integration script and preferences files");
     }
 
-    bool fail(std::string const& sentence) {
-        report_.failure("check", sentence);
-        return false;
+    /// Whether it is the de-integration script, or the text of a preferences file.
+    bool is_by_design(Change const& change) const {
+        std::string const preferences = session_.value("WB_PREFS");
+        return change.path == fs::weakly_canonical(deintegration_script(session_)) ||
+               (change.letter == 'M' && change.detail.empty() && !preferences.empty() &&
+                change.path.find(preferences) != std::string::npos);
     }
 
+    void fail(std::string const& sentence) { report_.failure("check", sentence); }
+
+    Session const& session_;
     Places const places_; ///< as they are before a script can move them away
     Sequence& sequence_;
     Report& report_;
@@ -106,9 +90,10 @@ class Copies {
             throw StartError("TMPDIR names no directory in which copies can be made");
         for (fs::path const& place : std::set<fs::path>{places.workbench, places.product})
             if (fs::is_directory(place, absent)) copy(place);
-        if (sandbox::find_changes(directories_, "").empty()) return;
+        std::vector<Change> const lost = sandbox::find_changes(directories_, "");
+        if (lost.empty()) return;
         remove();
-        throw StartError("the workbench or the product cannot be copied as it is; run as root");
+        throw StartError("this cannot be copied as it is, so run as root: " + described(lost[0]));
     }
     ~Copies() { remove(); }
     Copies(Copies const&) = delete;
@@ -148,7 +133,7 @@ class Copies {
 ExitStatus check(Session const& session, Sequence& sequence, Report& report) {
     Check check(session, sequence, report);
     return run_in_sandbox(session, report,
-                          [&](ChangeReport const& changes) { return check.run(changes); });
+                          [&](ChangeReport const& changes) { check.run(changes); });
 }
 
 ExitStatus check_without_sandbox(Session const& session, Sequence& sequence, Report& report) {
@@ -159,11 +144,10 @@ ExitStatus check_without_sandbox(Session const& session, Sequence& sequence, Rep
     auto const run_and_report = [&] {
         if (!fs::exists("/proc/self"))
             report.note("there is no /proc: what still runs after the uninstall is not seen");
-        bool const has_succeeded = check.run(ChangeReport(copies.directories(), session, report));
+        check.run(ChangeReport(copies.directories(), session, report));
         std::cout << "What the last list shows is left on the disk. Nothing beside the "
                      "workbench and the product was compared.\n";
-        report.summary();
-        return status_of(has_succeeded);
+        return report.finish();
     };
     int const result = sandbox::run_in_child([&] { // in which no child is the caller's
         prctl(PR_SET_CHILD_SUBREAPER, 1);

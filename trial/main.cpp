@@ -96,18 +96,14 @@ ExitStatus execute(Arguments const& arguments) {
         return (arguments.no_sandbox ? check_without_sandbox : check)(host.session, sequence,
                                                                       report);
     auto const work = [&] {
-        if (command == "install") return sequence.install();
-        if (command == "uninstall") return sequence.call("perform_deintegration");
-        bool has_succeeded = true;
-        for (std::string const& action : arguments.actions)
-            has_succeeded = sequence.call(action) && has_succeeded;
-        return has_succeeded;
+        if (command == "install") sequence.install();
+        if (command == "uninstall") sequence.call("perform_deintegration");
+        for (std::string const& action : arguments.actions) sequence.call(action);
     };
     std::string const title = "changed by the " + (command == "run" ? "actions" : command);
     if (arguments.preview) return preview(host.session, report, title, work);
-    bool const has_succeeded = work();
-    report.summary();
-    return status_of(has_succeeded);
+    work();
+    return report.finish();
 }
 
 /// Opens the standard streams that are closed and resets signals that are ignored.

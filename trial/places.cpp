@@ -1,5 +1,6 @@
 #include "trial/places.h"
 
+#include <algorithm>
 #include <sstream>
 
 #include "installer/files.h"
@@ -9,6 +10,19 @@ using installer::normalised;
 using installer::Session;
 
 namespace trial {
+
+namespace {
+
+bool lies_in(std::string const& path, fs::path const& directory) {
+    return !directory.empty() && (path + "/").rfind(directory / "", 0) == 0;
+}
+
+fs::path resolved(fs::path const& name) {
+    std::error_code unreachable;
+    return fs::weakly_canonical(name, unreachable);
+}
+
+} // namespace
 
 std::vector<std::string> search_path(Session const& session) {
     std::vector<std::string> directories;
@@ -38,6 +52,31 @@ std::string deintegration_script(Session const& session) {
            ".sh";
 }
 
+std::vector<std::string> listed_files(Session const& session) {
+    std::vector<std::string> files;
+    for (auto const& component : session.components) {
+        if (!component || component->name.empty() || !component->install_condition) continue;
+        std::vector<std::string> const& listed = component->file_provider->files;
+        files.insert(files.end(), listed.begin(), listed.end());
+    }
+    return files;
+}
+
+Configuration configuration(Session const& session) {
+    constexpr std::size_t size = 11; // of the marker and four characters
+    for (std::string& listed : listed_files(session)) {
+        std::replace(listed.begin(), listed.end(), '\\', '/');
+        std::size_t const begin = listed.find("wr-qev-");
+        if (begin != std::string::npos) return {listed, normalised(listed.substr(begin, size))};
+    }
+    return {};
+}
+
+fs::path copy_directory(Session const& session) {
+    std::string const name = configuration(session).name;
+    return name.empty() ? fs::path() : fs::path(workbench_directory(session)) / name;
+}
+
 fs::path log_file(Session const& session) {
     std::string const name = session.value("log_file");
     if (name.empty()) return "";
@@ -45,7 +84,21 @@ fs::path log_file(Session const& session) {
     fs::path log = fs::absolute(name);
     for (int links = 0; links < 40 && fs::is_symlink(log, unreachable); ++links)
         log = log.parent_path() / fs::read_symlink(log);
-    return fs::weakly_canonical(log, unreachable);
+    return resolved(log);
+}
+
+Places::Places(Session const& session)
+    : workbench(resolved(workbench_directory(session))),
+      product(resolved(product_directory(session))) {}
+
+bool Places::is_in_workbench(std::string const& path) const {
+    bool const is_products =
+        is_in_product(path) && product != workbench && lies_in(product, workbench);
+    return lies_in(path, workbench) && !is_products;
+}
+
+bool Places::is_in_product(std::string const& path) const {
+    return lies_in(path, product);
 }
 
 } // namespace trial

@@ -21,7 +21,31 @@ std::string product_directory(installer::Session const& session);
 
 std::string deintegration_script(installer::Session const& session);
 
+/// The files that the components to be installed list, in the installer's order.
+std::vector<std::string> listed_files(installer::Session const& session);
+
+/// The first of them that holds a configuration's name, with slashes, and that name; both empty
+/// where none does.
+struct Configuration {
+    std::string listed, name;
+};
+Configuration configuration(installer::Session const& session);
+
+/// Where the configuration is copied to; empty where there is none.
+std::filesystem::path copy_directory(installer::Session const& session);
+
 /// Where the log is written, after all links; empty for none.
 std::filesystem::path log_file(installer::Session const& session);
+
+/// The workbench and the product when this is made, free of links.
+struct Places {
+    std::filesystem::path workbench, product;
+
+    explicit Places(installer::Session const& session);
+
+    /// A product in the workbench is none of it.
+    bool is_in_workbench(std::string const& path) const;
+    bool is_in_product(std::string const& path) const;
+};
 
 } // namespace trial

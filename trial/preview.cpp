@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <set>
 
 #include "sandbox/processes.h"
 #include "sandbox/sandbox.h"
@@ -28,9 +29,12 @@ fs::path log_folder(fs::path const& log) {
 
 /// Says what cannot change, and names the commands a temporary directory that can.
 void adapt_to(sandbox::Inside const& inside, std::string const& temporary, Report const& report) {
+    std::set<fs::path> told;
     for (auto const& [directory, mount] : inside.obstacles)
-        report.note(directory.string() +
-                    " cannot change as a whole here, because of the mount at " + mount.string());
+        if (told.insert(mount).second)
+            report.note(directory.string() +
+                        " cannot change as a whole here, because of the mount at " +
+                        mount.string());
     for (std::string const& name : {temporary, std::string("/tmp"), std::string("/var/tmp"),
                                     std::string("/dev/shm"), environment("HOME", "/")}) {
         std::error_code absent;
@@ -45,12 +49,25 @@ void adapt_to(sandbox::Inside const& inside, std::string const& temporary, Repor
 
 std::vector<Change> ChangeReport::show(std::string const& title) const {
     std::vector<Change> changes = sandbox::find_changes(directories_, log_);
+    for (Change& change : changes)
+        if (!change.difference.empty() && is_secret(change.path)) {
+            change.detail +=
+                (change.detail.empty() ? "" : ", ") + std::string("text that others cannot read");
+            change.difference.clear();
+        }
     report_.changes(title, changes);
     return changes;
 }
 
+bool ChangeReport::is_secret(std::string const& path) const {
+    bool const is_sessions = places_.is_in_workbench(path) || places_.is_in_product(path);
+    std::error_code unreachable;
+    fs::perms const rights = fs::status(path, unreachable).permissions();
+    return !is_sessions && (rights & fs::perms::others_read) == fs::perms::none;
+}
+
 ExitStatus run_in_sandbox(Session const& session, Report const& report,
-                          std::function<bool(ChangeReport const&)> const& work) {
+                          std::function<void(ChangeReport const&)> const& work) {
     std::string const temporary = environment("TMPDIR", "/tmp");
     fs::path const workbench = workbench_directory(session), product = product_directory(session);
     sandbox::Directories const named = {
@@ -60,23 +77,21 @@ ExitStatus run_in_sandbox(Session const& session, Report const& report,
     auto const run_and_report = [&](sandbox::Inside const& inside) -> int {
         return status_or_error([&] {
             adapt_to(inside, temporary, report);
-            bool const has_succeeded = work(ChangeReport(inside.directories, session, report));
+            work(ChangeReport(inside.directories, session, report));
             std::cout << "Nothing on the disk was changed.\n";
-            report.summary();
-            return status_of(has_succeeded);
+            return report.finish();
         });
     };
     return ExitStatus(sandbox::run(named, run_and_report));
 }
 
 ExitStatus preview(Session const& session, Report const& report, std::string const& title,
-                   std::function<bool()> const& work) {
+                   std::function<void()> const& work) {
     return run_in_sandbox(session, report, [&](ChangeReport const& changes) {
-        bool const has_succeeded = work();
+        work();
         changes.show(title);
         for (std::string const& process : sandbox::left_running())
             report.note("still running: " + process);
-        return has_succeeded;
     });
 }
 

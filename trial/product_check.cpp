@@ -24,9 +24,6 @@ namespace trial {
 
 namespace {
 
-constexpr char const* marker = "wr-qev-";
-constexpr std::size_t name_size = 11; // the marker and four characters
-
 bool holds(std::string const& text, std::string const& part) {
     return text.find(part) != std::string::npos;
 }
@@ -70,6 +67,27 @@ Texts names_in(fs::path const& directory) {
     return names;
 }
 
+bool is_to_be_replaced(std::string const& path) {
+    return holds(path, "${") || holds(" " + path, " ~");
+}
+
+/// What an integration will take the place of, or take part in.
+Texts other_integrations(Session const& session) {
+    Texts sentences;
+    fs::path const copy = copy_directory(session);
+    std::string const earlier = copy_to_be_undone(session);
+    if (is_same_place(earlier, copy)) return {};
+    if (!names_in(copy).empty())
+        sentences.push_back(show(copy.string()) +
+                            " is there, and not by this product, for no script of it names that; "
+                            "the next uninstall would remove both; give yours a name of its own");
+    if (is_there(earlier))
+        sentences.push_back("this product is integrated as " + show(earlier) +
+                            "; uninstall that first, for its de-integration script will be "
+                            "replaced");
+    return sentences;
+}
+
 class ProductCheck {
   public:
     explicit ProductCheck(Session const& session) : session_(session) {
@@ -82,6 +100,7 @@ class ProductCheck {
 
     Texts find() {
         check_paths();
+        check_product();
         check_components();
         if (!for_workbench_.empty()) check_configuration();
         check_preferences();
@@ -93,7 +112,7 @@ class ProductCheck {
         for (char const* const name :
              {"DEFAULT_SEARCH_PATH", "WB_INTEGRATION_PATH", "VORN_INSTALL_DIR", "log_file"}) {
             std::string const value = session_.value(name);
-            if (holds(value, "${") || holds(" " + value, " ~"))
+            if (is_to_be_replaced(value))
                 add(std::string(name) + " is " + show(value) +
                     ", and nothing but ${SESSION_DIR} is replaced in it; write the path out");
         }
@@ -105,15 +124,34 @@ class ProductCheck {
             if (!directory.empty() && std::string("/~$").find(directory[0]) == std::string::npos)
                 add(show(directory) + " is relative: the integration can be undone from this "
                                       "folder only; write it from the root");
+        fs::path const folder = log_file(session_).parent_path();
+        if (!folder.empty() && !is_there(folder))
+            add("there is no folder " + show(folder.string()) + " for the log; make it");
+    }
+
+    void check_product() {
+        std::string const directory = session_.value("VORN_INSTALL_DIR");
+        if (!directory.empty() && !is_there(directory)) {
+            if (!is_to_be_replaced(directory))
+                add("VORN_INSTALL_DIR is " + show(directory) + ", which is not there");
+            return;
+        }
         check_joined("VORN_INSTALL_SUBDIR", session_.value("VORN_INSTALL_SUBDIR"),
                      " Only for the location in preferences files a slash is put there.");
+        if (!for_workbench_.empty()) check_joined("subdir", for_workbench_[0]->subdirectory, "");
+        fs::path const folder = fs::path(deintegration_script(session_)).parent_path();
+        if (is_there(folder.parent_path()) && !is_there(folder))
+            add("there is no " + show(folder.string()) +
+                " for the de-integration script; the product has to bring that folder");
     }
 
     void check_joined(std::string const& name, std::string const& value, char const* more) {
         std::string const joined = session_.value("VORN_INSTALL_DIR") + value;
-        if (value.empty() || value[0] == '/' || is_there(joined)) return;
-        add("VORN_INSTALL_DIR and " + name + " make " + show(joined) +
-            ", which is not there; is a slash missing before " + show(value) + "?" + more);
+        if (is_there(joined) || joined.empty()) return;
+        bool const has_slash = value.empty() || value[0] == '/';
+        add("VORN_INSTALL_DIR and " + name + " make " + show(joined) + ", which is not there; " +
+            (has_slash ? "is it misspelt?"
+                       : "is a slash missing before " + show(value) + "?" + more));
     }
 
     void check_components() {
@@ -132,26 +170,27 @@ class ProductCheck {
     }
 
     void check_configuration() {
-        std::string const& subdirectory = for_workbench_[0]->subdirectory;
-        check_joined("subdir", subdirectory, "");
-        std::string const deciding = first_listed_with(marker);
-        if (deciding.empty())
+        auto const [deciding, name] = configuration(session_);
+        if (name.empty())
             return add("no listed path contains \"wr-qev-\", so there is no configuration");
-        std::string const name = normalised(deciding.substr(deciding.find(marker), name_size));
-        std::string const part = normalised(session_.value("VORN_INSTALL_DIR") + subdirectory);
+        std::string const part =
+            normalised(session_.value("VORN_INSTALL_DIR") + for_workbench_[0]->subdirectory);
         if (is_there(part) && !is_there(part + "/" + name))
             add("the listed path " + show(deciding) + " decides that the configuration is " +
                 show(name) + ", and there is no such directory in " + show(part) +
                 "; its name has to be wr-qev- and four characters, its files listed first");
         if (is_there(part + "/" + name)) check_scripts(part + "/" + name + "/wr-setup/");
-        check_workbench(name);
+        for (std::string const& sentence : other_integrations(session_)) add(sentence);
     }
 
     void check_scripts(std::string const& directory) {
+        std::string const setup = session_.value("WORKBENCH_SCRIPT_NAME");
         for (auto const& [name, hint] :
-             {std::pair(session_.value("WORKBENCH_SCRIPT_NAME") + ".sh",
-                        "WORKBENCH_SCRIPT_NAME is written without .sh"),
-              {"uninst_wr_qev.sh", "without it, what was set up stays"}}) {
+             {std::pair(setup + ".sh",
+                        setup.empty() ? "WORKBENCH_SCRIPT_NAME is not set"
+                                      : "WORKBENCH_SCRIPT_NAME has to be the name of one of them, "
+                                        "written without .sh"),
+              {"uninst_wr_qev.sh", "without it, nothing undoes what the setup script does"}}) {
             std::string const script = directory + name;
             std::string const fault = fault_of_first_line(script);
             if (!is_there(script))
@@ -162,36 +201,23 @@ class ProductCheck {
         }
     }
 
-    void check_workbench(std::string const& configuration) {
-        fs::path const folder = fs::path(deintegration_script(session_)).parent_path();
-        if (is_there(folder.parent_path()) && !is_there(folder))
-            add("there is no " + show(folder.string()) +
-                " for the de-integration script; the product has to bring that folder");
-        fs::path const copy = fs::path(workbench_directory(session_)) / configuration;
-        fs::path const earlier = copy_to_be_undone(session_);
-        bool const is_own = is_same_place(earlier, copy);
-        if (!is_own && !names_in(copy).empty())
-            add(show(copy.string()) +
-                " is there, and not by this product, for no script of it "
-                "names that; the next uninstall would remove both; give yours a name of its own");
-        if (!is_own && is_there(earlier))
-            add("this product is integrated as " + show(earlier.string()) +
-                "; uninstall that first, for its de-integration script will be replaced");
-    }
-
     void check_preferences() {
         std::string const text = session_.value("WB_PREFS");
-        if (!text.empty() && first_listed_with(text, false).empty())
-            add("no listed path contains " + show(text) + ", the text in WB_PREFS");
-    }
-
-    std::string first_listed_with(std::string const& text, bool has_slashes = true) const {
-        for (ProductComponent const* component : installed_)
-            for (std::string file : component->file_provider->files) {
-                if (has_slashes) std::replace(file.begin(), file.end(), '\\', '/');
-                if (holds(file, text)) return file;
-            }
-        return "";
+        if (text.empty()) return;
+        for (std::string listed : listed_files(session_)) {
+            if (!holds(listed, text)) continue;
+            std::replace(listed.begin(), listed.end(), '\\', '/');
+            std::string const file =
+                normalised(session_.value("VORN_INSTALL_DIR") + "/" +
+                           session_.value("VORN_INSTALL_SUBDIR") + "/" + listed);
+            if (!is_there(file))
+                add("there is no preferences file " + show(file) + ", which the listed path " +
+                    show(listed) +
+                    " makes; it has to be listed by its path in VORN_INSTALL_DIR "
+                    "and VORN_INSTALL_SUBDIR");
+            return;
+        }
+        add("no listed path contains " + show(text) + ", the text in WB_PREFS");
     }
 
     void add(std::string const& sentence) { mistakes_.push_back(sentence); }
@@ -205,6 +231,14 @@ class ProductCheck {
 
 Texts find_mistakes(Session const& session) {
     return ProductCheck(session).find();
+}
+
+std::string find_integration(Session const& session) {
+    for (std::string const& sentence : other_integrations(session)) return sentence;
+    fs::path const copy = copy_directory(session);
+    if (names_in(copy).empty()) return "";
+    return "the workbench holds an earlier integration already, " + show(copy.string()) +
+           "; uninstall that first, then check again";
 }
 
 } // namespace trial

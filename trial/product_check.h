@@ -11,4 +11,7 @@ namespace trial {
 /// the product's files and the workbench, with the cause and the remedy. Only looks.
 std::vector<std::string> find_mistakes(installer::Session const& session);
 
+/// The first integration that is there already, with what to do, or nothing. Only looks.
+std::string find_integration(installer::Session const& session);
+
 } // namespace trial

@@ -71,10 +71,11 @@ void Report::changes(std::string const& title, std::vector<sandbox::Change> cons
     }
 }
 
-void Report::summary() const {
-    if (failures_.empty()) return;
-    std::cout << failures_.size() << (failures_.size() == 1 ? " failure:\n" : " failures:\n");
+ExitStatus Report::finish() const {
+    if (has_failed())
+        std::cout << failures_.size() << (failures_.size() == 1 ? " failure:\n" : " failures:\n");
     for (std::string const& failure : failures_) print("", "  ", failure);
+    return status_of(!has_failed());
 }
 
 } // namespace trial

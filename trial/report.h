@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "sandbox/changes.h"
+#include "trial/exit_status.h"
 
 namespace trial {
 
@@ -22,8 +23,10 @@ class Report {
     void success(std::string const& sentence) const;
     void changes(std::string const& title, std::vector<sandbox::Change> const& changes) const;
 
-    /// All failures once more, each with where it was, or nothing.
-    void summary() const;
+    bool has_failed() const { return !failures_.empty(); }
+    /// Prints all failures once more, each with where it was, and returns the status of the run.
+    /// Throws std::runtime_error where the report could not be written.
+    ExitStatus finish() const;
 
   private:
     void print(char const* color, std::string const& word, std::string const& text) const;

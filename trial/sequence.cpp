@@ -38,6 +38,20 @@ Texts version_words(std::string const& properties) {
     return words;
 }
 
+std::string why_not_supported(std::string const& workbench, std::string const& versions) {
+    Texts const keys = version_keys(versions);
+    Texts const words = version_words(workbench + "/install.properties");
+    bool const is_well_formed = versions.find_last_of(';') + 1 == versions.size() &&
+                                versions.find(' ') == std::string::npos;
+    return show(workbench) + " is of no supported version: " +
+           (keys.empty() ? "no version in SUPPORTED_VERSION is complete"
+                         : "looked for " + enumerated(keys)) +
+           ", and its install.properties has " +
+           (words.empty() ? "no word with \"name=\"" : enumerated(words)) +
+           (is_well_formed ? ""
+                           : "; end each version in SUPPORTED_VERSION by \";\", without blanks");
+}
+
 /// Why there is no usable workbench, by the verdict on the one that was chosen.
 std::string explanation(Session const& session) {
     std::string const workbench = session.value("WB_INTEGRATION_PATH");
@@ -48,11 +62,7 @@ std::string explanation(Session const& session) {
                enumerated(search_path(session));
     if (status == "undefined" && versions.empty()) return "SUPPORTED_VERSION is empty";
     if (status == "undefined") return show(workbench) + " holds no file install.properties";
-    if (status == "unsupported")
-        return show(workbench) + " is of no supported version: looked for " +
-               enumerated(version_keys(versions)) + ", and its install.properties has " +
-               enumerated(version_words(workbench + "/install.properties")) +
-               "; end each version in SUPPORTED_VERSION by \";\", without blanks";
+    if (status == "unsupported") return why_not_supported(workbench, versions);
     if (status == "notwritable") return show(workbench) + " cannot be written by this user";
     return "validate_wb_path wrote no verdict to PATH_STATUS";
 }
@@ -67,20 +77,19 @@ std::string why_not_begun(Session const& session) {
 
 } // namespace
 
-bool Sequence::install() {
+void Sequence::install() {
     for (std::string const& mistake : find_mistakes(host_.session)) report_.warning(mistake);
-    bool has_succeeded = choose_workbench();
+    choose_workbench();
     if (host_.session.value("PATH_STATUS") != "ok") {
         std::string const reason = explanation(host_.session);
         std::cout << "Stopped: " << reason << ".\n";
-        report_.remember("validate_wb_path", reason);
-        return false;
+        return report_.remember("validate_wb_path", reason);
     }
-    has_succeeded = integrate() && has_succeeded;
-    return call("init_wb_prefs") && has_succeeded;
+    integrate();
+    call("init_wb_prefs");
 }
 
-bool Sequence::call(std::string const& action) {
+void Sequence::call(std::string const& action) {
     Outcome& outcome = host_.outcome = {};
     bool const is_undo = action == "perform_deintegration";
     std::string const earlier_copy = copy_to_be_undone(host_.session);
@@ -89,34 +98,31 @@ bool Sequence::call(std::string const& action) {
     if (is_undo) check_is_removed(earlier_copy, outcome);
     if (!outcome.copy.empty()) {
         check_undo_is_possible(host_.session, earlier_copy, outcome);
+        has_integrated_ = true;
         has_copied_ = !outcome.has_failed_for_good;
     }
     if (result == -1) outcome.fail(why_not_begun(host_.session));
     else if (result != 0 && outcome.failures.empty())
         outcome.fail("the result is " + std::to_string(result));
-    has_integrated_ = has_integrated_ || !outcome.copy.empty();
-    has_integrated_again_ = has_integrated_again_ || outcome.was_there;
     print(action, outcome);
-    return outcome.failures.empty();
 }
 
-bool Sequence::choose_workbench() {
-    bool const has_succeeded = call("detect_wb_in_default_path");
+void Sequence::choose_workbench() {
+    call("detect_wb_in_default_path");
     if (!choice_.empty()) {
         host_.session.variables["WB_INTEGRATION_PATH"] = choice_;
         std::cout << "WB_INTEGRATION_PATH is set back to " << show(choice_)
                   << ", the session's own choice\n";
     }
-    return call("validate_wb_path") && has_succeeded;
+    call("validate_wb_path");
 }
 
-bool Sequence::integrate() {
-    bool const has_succeeded = call("find_wb_components");
+void Sequence::integrate() {
+    call("find_wb_components");
     if (host_.session.value("WB_INTEGRATION_SUPPORTED") == "yes")
-        return call("perform_integration") && has_succeeded;
+        return call("perform_integration");
     std::cout << "Nothing to integrate: no component to be installed has \"workbench\" in its "
                  "name.\n";
-    return has_succeeded;
 }
 
 int Sequence::call_plugin(std::string const& action) {
@@ -148,7 +154,10 @@ void Sequence::print(std::string const& action, Outcome const& outcome) const {
     for (std::string const& name : outcome.read) {
         bool const is_needless = name == "DEFAULT_SEARCH_PATH" && !choice_.empty();
         if (host_.session.variables.count(name) == 0 && !is_needless)
-            report_.warning(name + " was read and is not set", "  ");
+            report_.warning(
+                name + " was read and is not set" +
+                    (name == "WB_INSTALL_SUBDIR" ? "; run find_wb_components first" : ""),
+                "  ");
     }
     for (std::string const& note : outcome.notes) report_.note(note, "  ");
     for (std::string const& failure : outcome.failures) report_.failure(action, failure, "  ");

@@ -34,7 +34,8 @@ void check_uninstall_script(std::string const& directory, Outcome& outcome) {
     std::string const obstacle = why_not_executable(script);
     if (!obstacle.empty())
         outcome.fail("the uninstall script " + show(script) + " " + obstacle +
-                     ", so what was set up stays; is it in the product, executable?");
+                     ", so nothing undoes what the setup script does; is it in the product, "
+                     "executable?");
 }
 
 /// What is wrong with the de-integration script, and what to do; nothing where it will do.
@@ -107,7 +108,13 @@ void check_before_undo(Session const& session, std::string const& copy, Outcome&
     std::error_code unreachable;
     std::string const script = deintegration_script(session);
     if (!fs::exists(script, unreachable)) {
-        outcome.fail_for_good("the product is not integrated: there is no " + show(script));
+        fs::path const expected = copy_directory(session);
+        bool const is_copy_there = !expected.empty() && fs::exists(expected, unreachable);
+        outcome.fail_for_good(is_copy_there
+                                  ? "nothing undoes the integration in " + show(expected.string()) +
+                                        ", for there is no " + show(script) +
+                                        "; integrate again, then uninstall"
+                                  : "the product is not integrated: there is no " + show(script));
     } else if (copy.empty()) {
         std::string fault = "is there only in part";
         if (access(script.c_str(), R_OK) != 0) fault = "cannot be read";
