@@ -15,8 +15,8 @@ Each mistake is named before anything is run. What is done to the session or the
   >     eval "$1"
   >     wb install s.toml --set WB_INTEGRATION_PATH="$workbench" "${@:2}" | sed -n '1,/^detect/s/^warning: //p' || :
   > }
-  $ mistake 'workbench="~/wb"'
-  WB_INTEGRATION_PATH is "~/wb", and nothing but ${SESSION_DIR} is replaced in it; write the path out
+  $ mistake : --set VORN_INSTALL_DIR='~/product' --set WB_PREFS=
+  VORN_INSTALL_DIR is "~/product", and nothing but ${SESSION_DIR} is replaced in it; write the path out
   $ mistake : --set DEFAULT_SEARCH_PATH='/opt/a  /opt/b'
   DEFAULT_SEARCH_PATH has two blanks in a row, or begins with one; that is an empty directory, in which /install.properties would count; write single blanks
   $ mistake 'workbench=workbench'
@@ -54,12 +54,14 @@ Each mistake is named before anything is run. What is done to the session or the
   "./product/suite/part/wr-qev-1.0a/wr-setup/setup.sh" has lines that end in a carriage return; save it with the line ends of Unix
   $ mistake 'sed -i "1s|.*|#!/opt/absent/bash -e|" $config/wr-setup/uninst*'
   "./product/suite/part/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" names "/opt/absent/bash" in its first line, which is not there
+  $ mistake 'sed -i "1s|.*|#!/usr/bin/env absent|" $setup; sed -i "1s|.*|#!/usr/bin/env sh|" $uninstall'
+  "./product/suite/part/wr-qev-1.0a/wr-setup/setup.sh" names "absent" in its first line, which no directory in PATH has
   $ mistake : --set WB_PREFS=.ini
   no listed path contains ".ini", the text in WB_PREFS
   $ mistake 'sed -i s,product/suite\",product\", s.toml'
   there is no preferences file "./product/suite/suite/part/wr-qev-1.0a/a.prefs", which the listed path "suite/part/wr-qev-1.0a/a.prefs" makes; it has to be listed by its path in VORN_INSTALL_DIR and VORN_INSTALL_SUBDIR
   $ mistake 'mkdir $copy; touch $copy/other'
-  "./workbench/wr-qev-1.0a" is there, and not by this product, for no script of it names that; the next uninstall would remove both; give yours a name of its own
+  "./workbench/wr-qev-1.0a" is there, and not by this product, for no script of it names that. If it is another product's, the next uninstall would remove both; give yours a name of its own. If an earlier try left it, remove it
   $ mistake 'integrate >/dev/null; mv $copy ${copy}2; sed -i s/1.0a/1.0a2/ $script'
   this product is integrated as "workbench/wr-qev-1.0a2"; uninstall that first, for its de-integration script will be replaced
 

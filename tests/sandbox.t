@@ -10,7 +10,7 @@ What changed is shown; what was only touched is not:
   > rm -r dir; mkdir dir; touch dir/other; rm -r gone install.properties; mkdir install.properties; seq 40 60 >text
   > echo >"dir
   > x"; yes | head -c 6291456 >large; head -c 400 /dev/zero | tr "\0" x >long; echo >same; mkdir closed; chmod 000 closed'
-  $ mkdir workbench/gone; touch workbench/gone/file; seq 30 >workbench/text; printf '1\0' >workbench/binary; ln -s tex workbench/link; touch workbench/touched
+  $ mkdir workbench/gone; touch workbench/gone/file; seq 30 >workbench/text; chmod 600 workbench/text; printf '1\0' >workbench/binary; ln -s tex workbench/link; touch workbench/touched
   $ yes | head -c 5242880 >workbench/large; head -c 2048 /dev/zero >workbench/same; echo >workbench/long
   $ try install --preview | changes | sed '/^      -[0-9]/d'
   changed by the install:

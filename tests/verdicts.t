@@ -56,6 +56,8 @@ An earlier integration is not touched, and leaves no verdict; an empty directory
   1 failure: check: the uninstall leaves the workbench changed status 1
   $ lay :; integrate >/dev/null; keep; judge; kept
   wb-trial: the workbench holds an earlier integration already, "workbench/wr-qev-1.0a"; uninstall that first, then check again status 2
+  $ lay :; mkdir "$copy"; touch "$copy/other"; judge
+  wb-trial: "workbench/wr-qev-1.0a" is there, and not by this product, for no script of it names that. If it is another product's, the next uninstall would remove both; give yours a name of its own. If an earlier try left it, remove it status 2
 
 Where workbench and product lie in each other:
 

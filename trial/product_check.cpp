@@ -1,11 +1,11 @@
 #include "trial/product_check.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include "installer/files.h"
 #include "installer/show.h"
@@ -44,6 +44,14 @@ bool is_executable(fs::path const& file) {
     return (fs::status(file, unreachable).permissions() & fs::perms(0111)) != fs::perms::none;
 }
 
+bool is_in_search_path(std::string const& program) {
+    char const* const directories = std::getenv("PATH");
+    std::istringstream list(directories ? directories : "/bin:/usr/bin");
+    for (std::string directory; std::getline(list, directory, ':');)
+        if (is_there(fs::path(directory) / program)) return true;
+    return false;
+}
+
 /// Why a system cannot start the script, or nothing.
 std::string fault_of_first_line(fs::path const& script) {
     std::string line;
@@ -51,11 +59,14 @@ std::string fault_of_first_line(fs::path const& script) {
     if (!line.empty() && line.back() == '\r')
         return "has lines that end in a carriage return; save it with the line ends of Unix";
     if (line.compare(0, 2, "#!") != 0) return "";
-    std::size_t const begin = std::min(line.find_first_not_of(" \t", 2), line.size());
-    std::string const interpreter = line.substr(begin, line.find_first_of(" \t", begin) - begin);
-    return is_there(interpreter)
-               ? ""
-               : "names " + show(interpreter) + " in its first line, which is not there";
+    std::string interpreter, program;
+    std::istringstream(line.substr(2)) >> interpreter >> program;
+    if (!is_there(interpreter))
+        return "names " + show(interpreter) + " in its first line, which is not there";
+    bool const is_looked_up = fs::path(interpreter).filename() == "env" && !program.empty() &&
+                              program[0] != '-' && !holds(program, "=");
+    if (!is_looked_up || is_in_search_path(program)) return "";
+    return "names " + show(program) + " in its first line, which no directory in PATH has";
 }
 
 Texts names_in(fs::path const& directory) {
@@ -79,8 +90,9 @@ Texts other_integrations(Session const& session) {
     if (is_same_place(earlier, copy)) return {};
     if (!names_in(copy).empty())
         sentences.push_back(show(copy.string()) +
-                            " is there, and not by this product, for no script of it names that; "
-                            "the next uninstall would remove both; give yours a name of its own");
+                            " is there, and not by this product, for no script of it names that. "
+                            "If it is another product's, the next uninstall would remove both; "
+                            "give yours a name of its own. If an earlier try left it, remove it");
     if (is_there(earlier))
         sentences.push_back("this product is integrated as " + show(earlier) +
                             "; uninstall that first, for its de-integration script will be "
