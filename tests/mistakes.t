@@ -54,7 +54,7 @@ Each mistake is named before anything is run. What is done to the session or the
   "./product/suite/part/wr-qev-1.0a/wr-setup/setup.sh" has lines that end in a carriage return; save it with the line ends of Unix
   $ mistake 'sed -i "1s|.*|#!/opt/absent/bash -e|" $config/wr-setup/uninst*'
   "./product/suite/part/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh" names "/opt/absent/bash" in its first line, which is not there
-  $ mistake 'sed -i "1s|.*|#!/usr/bin/env absent|" $setup; sed -i "1s|.*|#!/usr/bin/env sh|" $uninstall'
+  $ mistake 'sed -i "1s|.*|#!/usr/bin/env absent|" $setup; sed -i "1s|.*|#!/usr/bin/env -S sh|" $uninstall'
   "./product/suite/part/wr-qev-1.0a/wr-setup/setup.sh" names "absent" in its first line, which no directory in PATH has
   $ mistake : --set WB_PREFS=.ini
   no listed path contains ".ini", the text in WB_PREFS
@@ -92,6 +92,11 @@ A run that fails ends with all that failed. What only follows from a failure is 
   $ wb check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench | sed -n '/ failure/,$p'
   1 failure:
     perform_integration: dir_copy("./product/suite/part/wr-qev-1.0a", "workbench/wr-qev-1.0a") failed: No such file or directory: "./product/suite/part/wr-qev-1.0a"
+  [1]
+  $ site; sed -i "s/, files = .*/ }]/" s.toml
+  $ wb check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench --set WB_PREFS= | sed -n '/ failure/,$p'
+  1 failure:
+    perform_integration: no listed path holds a configuration, "wr-qev-" and a name without ".."
   [1]
   $ site; sed -i s/workbench-part/part/ s.toml
   $ wb check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench | sed -n '/ failure/,$p'

@@ -141,7 +141,7 @@ The directories are what they are outside: a default ACL, a link as workbench, a
   $ try check | grep /x
     A ../t/a,b:c\d"e'\n f/x
     A ../t/a,b:c\d"e'\n f/x
-  $ echo secret >"$HOME/key"; chmod 600 "$HOME/key"
+  $ echo secret >"$HOME/key"; chmod 640 "$HOME/key"
   $ lay 'mkdir "$TMPDIR/x"; echo x >>"$HOME/key"; echo >"$HOME/x"; echo >/var/tmp/x.wb-trial; echo >/dev/shm/x.wb-trial'
   $ try check | changes | sed '1,/^left/d; /^The/,$d'
     A /dev/shm/x.wb-trial

@@ -83,6 +83,10 @@ An ordinary user. What belongs to a further group of theirs could change outside
   status 1
   $ chmod 777 workbench; ordinary check s.toml --set WB_INTEGRATION_PATH=workbench | grep -o 'owner 0; .* as root'
   owner 0; run it as root
+  $ lay :; own 4711; chown 0 workbench/dir/file
+  $ ordinary check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench | sed "s|$PWD|.|g"
+  wb-trial: run as root, for this user's copy differs: ./workbench/dir/file (owner 4711 -> 0)
+  status 2
   $ lay 'echo >x' 'rm x'; own 4711; mkdir -m 755 others; mv workbench others; chown 12345:12345 others
   $ ordinary check s.toml --set WB_INTEGRATION_PATH=others/workbench | verdict
   The workbench is as it was. status 0

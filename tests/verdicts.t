@@ -45,9 +45,18 @@ Setup script, uninstall script, verdict:
   $ both_ways 'sleep 9 >/dev/null 2>&1 &' :
   The workbench is as it was. 1 failure: check: still running after the uninstall: sleep 9 status 1
 
-The product may get its de-integration script and preferences files, and nothing else goes without a word:
+The product gets its de-integration script and the text of preferences files, and nothing else without a note:
 
-  $ both_ways 'echo >../product/suite/x'
+  $ in_product() {
+  >     lay "$1"
+  >     touch product/suite/file "$prefs"
+  >     judge
+  > }
+  $ in_product :
+  The workbench is as it was. status 0
+  $ in_product 'echo >>../product/suite/file'
+  The workbench is as it was. note: the uninstall leaves the product changed, and not only its de-integration script and preferences files status 0
+  $ in_product 'chmod 600 "../$prefs"'
   The workbench is as it was. note: the uninstall leaves the product changed, and not only its de-integration script and preferences files status 0
 
 An earlier integration is not touched, and leaves no verdict; an empty directory of that name is none:

@@ -93,7 +93,7 @@ class Copies {
         std::vector<Change> const lost = sandbox::find_changes(directories_, "");
         if (lost.empty()) return;
         remove();
-        throw StartError("this cannot be copied as it is, so run as root: " + described(lost[0]));
+        throw StartError("run as root, for this user's copy differs: " + described(lost[0]));
     }
     ~Copies() { remove(); }
     Copies(Copies const&) = delete;

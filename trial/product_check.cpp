@@ -159,7 +159,7 @@ class ProductCheck {
 
     void check_joined(std::string const& name, std::string const& value, char const* more) {
         std::string const joined = session_.value("VORN_INSTALL_DIR") + value;
-        if (is_there(joined) || joined.empty()) return;
+        if (is_there(joined)) return;
         bool const has_slash = value.empty() || value[0] == '/';
         add("VORN_INSTALL_DIR and " + name + " make " + show(joined) + ", which is not there; " +
             (has_slash ? "is it misspelt?"
