@@ -197,7 +197,6 @@ Its own operations keep what an installer has to promise:
   $ site
   $ wb-trial run s.toml find_wb_components --plugin "$WB_TRIAL_DIR/hostcheck/libworkbench-int.so.1n" 2>report | grep returned
   find_wb_components returned 0
-  [1]
   $ grep '^not ok' report; tail -n 1 report
   1..33
 
