@@ -15,7 +15,7 @@ Each mistake is named before anything is run. What is done to the session or the
   >     eval "$1"
   >     wb install s.toml --set WB_INTEGRATION_PATH="$workbench" "${@:2}" | sed -n '1,/^detect/s/^warning: //p' || :
   > }
-  $ mistake : --set VORN_INSTALL_DIR='~/product' --set WB_PREFS=
+  $ mistake : --set VORN_INSTALL_DIR='~/product'
   VORN_INSTALL_DIR is "~/product", and nothing but ${SESSION_DIR} is replaced in it; write the path out
   $ mistake : --set DEFAULT_SEARCH_PATH='/opt/a  /opt/b'
   DEFAULT_SEARCH_PATH has two blanks in a row, or begins with one; that is an empty directory, in which /install.properties would count; write single blanks
@@ -25,7 +25,7 @@ Each mistake is named before anything is run. What is done to the session or the
   VORN_INSTALL_DIR and VORN_INSTALL_SUBDIR make "./productsuite", which is not there; is a slash missing before "suite"? Only for the location in preferences files a slash is put there.
   $ mistake 'sed -i s,/suite/part,/part, s.toml'
   VORN_INSTALL_DIR and subdir make "./product/part", which is not there; is it misspelt?
-  $ mistake : --set VORN_INSTALL_DIR=/absent --set WB_PREFS=
+  $ mistake : --set VORN_INSTALL_DIR=/absent
   VORN_INSTALL_DIR is "/absent", which is not there
   $ mistake : --set log_file=absent/log
   there is no folder "./absent" for the log; make it

@@ -7,6 +7,7 @@
 
 namespace fs = std::filesystem;
 using installer::normalised;
+using installer::ProductComponent;
 using installer::Session;
 
 namespace trial {
@@ -52,13 +53,18 @@ std::string deintegration_script(Session const& session) {
            ".sh";
 }
 
+std::vector<ProductComponent const*> installed_components(Session const& session) {
+    std::vector<ProductComponent const*> installed;
+    for (auto const& component : session.components)
+        if (component && !component->name.empty() && component->install_condition)
+            installed.push_back(component.get());
+    return installed;
+}
+
 std::vector<std::string> listed_files(Session const& session) {
     std::vector<std::string> files;
-    for (auto const& component : session.components) {
-        if (!component || component->name.empty() || !component->install_condition) continue;
-        std::vector<std::string> const& listed = component->file_provider->files;
-        files.insert(files.end(), listed.begin(), listed.end());
-    }
+    for (ProductComponent const* component : installed_components(session))
+        for (std::string const& file : component->file_provider->files) files.push_back(file);
     return files;
 }
 

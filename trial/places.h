@@ -21,7 +21,9 @@ std::string product_directory(installer::Session const& session);
 
 std::string deintegration_script(installer::Session const& session);
 
-/// The files that the components to be installed list, in the installer's order.
+/// The components that are to be installed, and the files that they list, in the installer's order.
+std::vector<installer::ProductComponent const*>
+installed_components(installer::Session const& session);
 std::vector<std::string> listed_files(installer::Session const& session);
 
 /// The first of them that holds a configuration's name, with slashes, and that name; both empty

@@ -102,12 +102,10 @@ Texts other_integrations(Session const& session) {
 
 class ProductCheck {
   public:
-    explicit ProductCheck(Session const& session) : session_(session) {
-        for (auto const& component : session.components) {
-            if (!component || component->name.empty() || !component->install_condition) continue;
-            installed_.push_back(component.get());
-            if (holds(component->name, "workbench")) for_workbench_.push_back(component.get());
-        }
+    explicit ProductCheck(Session const& session)
+        : session_(session), installed_(installed_components(session)) {
+        for (ProductComponent const* component : installed_)
+            if (holds(component->name, "workbench")) for_workbench_.push_back(component);
     }
 
     Texts find() {
@@ -137,7 +135,7 @@ class ProductCheck {
                 add(show(directory) + " is relative: the integration can be undone from this "
                                       "folder only; write it from the root");
         fs::path const folder = log_file(session_).parent_path();
-        if (!folder.empty() && !is_there(folder))
+        if (!folder.empty() && !is_there(folder) && !is_to_be_replaced(session_.value("log_file")))
             add("there is no folder " + show(folder.string()) + " for the log; make it");
     }
 
@@ -219,10 +217,10 @@ class ProductCheck {
         for (std::string listed : listed_files(session_)) {
             if (!holds(listed, text)) continue;
             std::replace(listed.begin(), listed.end(), '\\', '/');
-            std::string const file =
-                normalised(session_.value("VORN_INSTALL_DIR") + "/" +
-                           session_.value("VORN_INSTALL_SUBDIR") + "/" + listed);
-            if (!is_there(file))
+            std::string const location = normalised(session_.value("VORN_INSTALL_DIR") + "/" +
+                                                    session_.value("VORN_INSTALL_SUBDIR"));
+            std::string const file = location + "/" + listed;
+            if (is_there(location) && !is_there(file))
                 add("there is no preferences file " + show(file) + ", which the listed path " +
                     show(listed) +
                     " makes; it has to be listed by its path in VORN_INSTALL_DIR "
