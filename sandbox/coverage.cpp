@@ -86,7 +86,7 @@ class Plan {
     void read_mounts() {
         std::unique_ptr<libmnt_table, void (*)(libmnt_table*)> const table(
             mnt_new_table_from_file("/proc/self/mountinfo"), mnt_unref_table);
-        if (!table) throw Refused("there can be no sandbox: /proc/self/mountinfo cannot be read");
+        if (!table) refuse("/proc/self/mountinfo cannot be read");
         std::unique_ptr<libmnt_iter, void (*)(libmnt_iter*)> const position(
             mnt_new_iter(MNT_ITER_FORWARD), mnt_free_iter);
         libmnt_fs* mount = nullptr;

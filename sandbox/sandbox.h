@@ -33,7 +33,8 @@ struct Refused : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/// Throws Refused with what errno says, where `succeeds` is false.
+/// Both throw Refused; `require` with what errno says, where `succeeds` is false.
+[[noreturn]] void refuse(std::string const& cause);
 void require(bool succeeds, std::string const& what);
 
 /// Runs `work` in a process, a session and namespaces of its own. Every directory of the disk can
