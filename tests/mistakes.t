@@ -40,6 +40,8 @@ Each mistake is named before anything is run. What is done to the session or the
   no listed path contains "wr-qev-", so there is no configuration
   $ mistake 'mv $config ${config}b; sed -i "s/wr-qev-1.0a/wr-qev-1.0ab/" s.toml'
   the listed path "share/wr-qev-1.0ab/readme.txt" decides that the configuration is "wr-qev-1.0a", and there is no such directory in "./product/suite/part"; its name has to be wr-qev- and four characters, its files listed first
+  $ mistake 'mv $config ${config%a}; sed -i "s/wr-qev-1.0a/wr-qev-1.0/" s.toml'
+  the configuration is "wr-qev-1.0"; its name has to be wr-qev- and four characters, for what follows can become part of it
   $ mistake : --set WORKBENCH_SCRIPT_NAME=setup.sh
   there is no "setup.sh.sh" in "./product/suite/part/wr-qev-1.0a/wr-setup/", but "setup.sh", "uninst_wr_qev.sh"; WORKBENCH_SCRIPT_NAME has to be the name of one of them, written without .sh
   $ mistake : --set WORKBENCH_SCRIPT_NAME=

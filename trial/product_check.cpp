@@ -189,6 +189,10 @@ class ProductCheck {
             add("the listed path " + show(deciding) + " decides that the configuration is " +
                 show(name) + ", and there is no such directory in " + show(part) +
                 "; its name has to be wr-qev- and four characters, its files listed first");
+        else if (name.size() < std::string("wr-qev-1234").size())
+            add("the configuration is " + show(name) +
+                "; its name has to be wr-qev- and four characters, for what follows can become "
+                "part of it");
         if (is_there(part + "/" + name)) check_scripts(part + "/" + name + "/wr-setup/");
         for (std::string const& sentence : other_integrations(session_)) add(sentence);
     }
