@@ -32,16 +32,26 @@ bool is_kernels_own(fs::path const& directory) {
     return false;
 }
 
+/// Whether this user's overlay could change what lies in it.
+bool is_own(fs::path const& directory) {
+    struct stat status {};
+    return stat(directory.c_str(), &status) == 0 && status.st_uid == geteuid() &&
+           status.st_gid == getegid() && access(directory.c_str(), R_OK | X_OK) == 0;
+}
+
 /// Whether all directories from below `outer` down to `directory` are this user's own. An ordinary
 /// user's overlay cannot change what lies below one that is not.
 bool is_own_down_to(fs::path const& directory, fs::path const& outer) {
-    for (fs::path step = directory; step != outer; step = step.parent_path()) {
-        struct stat status {};
-        bool const is_own = stat(step.c_str(), &status) == 0 && status.st_uid == geteuid() &&
-                            status.st_gid == getegid();
-        if (!is_own) return false;
-    }
+    for (fs::path step = directory; step != outer; step = step.parent_path())
+        if (!is_own(step)) return false;
     return true;
+}
+
+/// The directory, or the highest above it with nothing but own ones between.
+fs::path highest_own(fs::path directory) {
+    while (is_own(directory) && is_own(directory.parent_path()) && directory.parent_path() != "/")
+        directory = directory.parent_path();
+    return directory;
 }
 
 class Plan {
@@ -77,7 +87,9 @@ class Plan {
         fs::path const directory = fs::canonical(name, absent);
         if (absent || !fs::is_directory(directory) || directory == "/") return;
         fs::path const outer = nearest_above(coverage_.directories, directory);
-        if (outer.empty() || (!is_root_ && !is_own_down_to(directory, outer))) cover(directory);
+        if (is_root_ && outer.empty()) cover(directory);
+        if (!is_root_ && (outer.empty() || !is_own_down_to(directory, outer)))
+            cover(highest_own(directory));
     }
 
     Coverage const& coverage() const { return coverage_; }

@@ -149,7 +149,7 @@ The directories are what they are outside: a default ACL, a link as workbench, a
     A ../home/x
     A ../t/x/ (0 files, 0 B)
     A /var/tmp/x.wb-trial
-  $ lay 'echo >../workbench-2/x'; mkdir workbench-2; try check | verdict
+  $ lay 'echo >../workbench-2/x'; mkdir workbench-2; try check --set log_file= | verdict
   The workbench is as it was. 1 failure: check: the uninstall leaves changes beside the workbench and the product status 1
 
 A product directly below the root directory is not the whole disk:
