@@ -221,9 +221,9 @@ class ProductCheck {
         for (std::string listed : listed_files(session_)) {
             if (!holds(listed, text)) continue;
             std::replace(listed.begin(), listed.end(), '\\', '/');
-            std::string const location = normalised(session_.value("VORN_INSTALL_DIR") + "/" +
-                                                    session_.value("VORN_INSTALL_SUBDIR"));
-            std::string const file = location + "/" + listed;
+            std::string const location =
+                session_.value("VORN_INSTALL_DIR") + "/" + session_.value("VORN_INSTALL_SUBDIR");
+            std::string const file = normalised(location + "/" + listed);
             if (is_there(location) && !is_there(file))
                 add("there is no preferences file " + show(file) + ", which the listed path " +
                     show(listed) +
