@@ -6,7 +6,7 @@ In a sandbox everything may change, as far as the kernel lets, and nothing of it
 
 What changed is shown; what was only touched is not:
 
-  $ lay 'touch touched; chmod 600 binary; echo >>binary; ln -sfn dir link; mkdir new; echo >new/1; ln -s absent new/link
+  $ lay 'touch touched; chmod 1600 binary; echo >>binary; ln -sfn dir link; mkdir new; echo >new/1; ln -s absent new/link
   > rm -r dir; mkdir dir; touch dir/other; rm -r gone install.properties; mkdir install.properties; seq 40 60 >text
   > echo >"dir
   > x"; yes | head -c 6291456 >large; head -c 400 /dev/zero | tr "\0" x >long; echo >same; mkdir closed; chmod 000 closed'
@@ -14,7 +14,7 @@ What changed is shown; what was only touched is not:
   $ yes | head -c 5242880 >workbench/large; head -c 2048 /dev/zero >workbench/same; echo >workbench/long
   $ try install --preview | changes | sed '/^      -[0-9]/d'
   changed by the install:
-    M ./workbench/binary (mode 0644 -> 0600, content 2 B -> 3 B)
+    M ./workbench/binary (mode 0644 -> 1600, content 2 B -> 3 B)
     A ./workbench/closed/ (0 files, 0 B)
     A ./workbench/dir\nx
     D ./workbench/dir/file
@@ -33,7 +33,7 @@ What changed is shown; what was only touched is not:
     M ./workbench/text
         @@ -1,30 +1,21 @@
         32 more lines
-    A ./workbench/wr-qev-1.0a/ (2 files, 413 B)
+    A ./workbench/wr-qev-1.0a/ (2 files, 414 B)
   Nothing on the disk was changed.
   status 0
 
@@ -107,7 +107,10 @@ removed, and what is in use is not:
   The workbench is as it was. status 0
   $ ls -d /var/tmp/wb-trial-sandbox-*
   /var/tmp/wb-trial-sandbox-used00
-  $ unset WB_TRIAL_SCRATCH; rmdir $used; exec 8<&-
+  $ lay 'sleep 1; echo >x' 'rm x'; user=${users%%$'\n'*}; own "$user"
+  $ as "$user" wb-trial check s.toml | verdict & sleep 0.5; as "$user" wb-trial run --preview s.toml find_wb_components >/dev/null; wait
+  The workbench is as it was.
+  $ unset WB_TRIAL_SCRATCH; rmdir $used; exec 8<&-; own "$me"
 
 The log is no change, wherever it lies:
 
@@ -126,11 +129,12 @@ The log is no change, wherever it lies:
 
 The directories are what they are outside: a default ACL, a link as workbench, an odd name, others' folders:
 
-  $ lay 'echo >x; stat -c %a x; rm x'
-  $ setfacl -d -m o::- workbench
+  $ lay 'echo >../x; stat -c %a ../x; rm ../x'
+  $ setfacl -d -m o::- .
   $ try check | sed -n '/^    /p; /^The/p; /^[0-9]* failure/,$p'
       640
   The workbench is as it was.
+  $ setfacl -k .
   $ lay 'echo >x'; ln -s workbench link; workbench=link
   $ try check | changes | grep -e /x -e workbench
     A ./workbench/wr-qev-1.0a/ (2 files, 68 B)
@@ -162,7 +166,7 @@ A mount that another one hides is in nobody's way:
 
   $ lay 'echo >x' 'rm x'
   $ within=(unshare -Urm sh -c 'cd workbench/dir; mount -t tmpfs a .; cd .; mkdir "$PWD/in"; mount -t tmpfs b "$PWD/in"
-  >     mount -t tmpfs c "$PWD"; echo name=3.1 >"$PWD/install.properties"; cd ../..; exec "$@"' -)
+  >     mount -t tmpfs c "$PWD"; mkdir "$PWD/in"; echo name=3.1 >"$PWD/install.properties"; cd ../..; exec "$@"' -)
   $ workbench=workbench/dir; try check --set log_file= | verdict
   The workbench is as it was. status 0
 
@@ -184,7 +188,8 @@ Where there can be no sandbox, nothing is run:
   $ refused() {
   >     lay 'echo run'
   >     mkdir workbench/dir/mount
-  >     within=("$@")
+  >     ln -s workbench link
+  >     workbench=link within=("$@")
   >     try check --set log_file= | sed 's/; where the disk may change, use wb-trial check --no-sandbox$//'
   > }
   $ refused unshare -Urm sh -c 'mount -t tmpfs x workbench/dir/mount; exec "$@"' -
