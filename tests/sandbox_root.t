@@ -87,10 +87,10 @@ An ordinary user. What belongs to a further group of theirs could change outside
   $ ordinary check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench | sed "s|$PWD|.|g"
   wb-trial: run as root, for this user's copy differs: ./workbench/dir/file (owner 4711 -> 0)
   status 2
-  $ lay 'echo >x' 'rm x'; own 4711; mkdir -m 755 others; mv workbench others; chown 12345:12345 others
-  $ ordinary check s.toml --set WB_INTEGRATION_PATH=others/workbench | verdict
+  $ lay 'echo >x' 'rm x'; own 4711; mkdir -m 755 others; mv workbench others; chown 12345:12345 others; chmod 311 .
+  $ ordinary check s.toml --set WB_INTEGRATION_PATH=others/workbench --set log_file=/dev/null | verdict
   The workbench is as it was. status 0
-  $ mkdir -m 777 others/workbench/wr-qev-1.0a
+  $ chmod 755 .; mkdir -m 777 others/workbench/wr-qev-1.0a
   $ ordinary run s.toml perform_integration --set WB_INTEGRATION_PATH=others/workbench | grep note
     note: the mode of "others/workbench/wr-qev-1.0a" stays 0777, for the folder is somebody else's
   $ mkdir -m 700 closed; cd closed
