@@ -27,7 +27,7 @@ struct Host {
     Session session;
     std::ofstream log; ///< lines go to standard error while it is closed
     bool has_log_failed = false;
-    Outcome outcome;   ///< of the action at work, or of the last one
+    Outcome outcome; ///< of the action at work, or of the last one
     std::string shell = "/bin/sh";
     std::string action; ///< its name, for the report; empty for no report
     CallListener* listener = nullptr;

@@ -15,9 +15,9 @@ struct Coverage {
 
 /// Covers the directories in "/", the mounts below them, and the ones that are named, each as far
 /// as the kernel lets. An ordinary user cannot cover a directory that has a mount below it; its
-/// sub-directories without one are covered then. Where others own a directory on the way to one that
-/// is named, the highest own one below that is covered. Only looks. Throws Refused where the mounts
-/// cannot be read.
+/// sub-directories without one are covered then. Where others own a directory on the way to one
+/// that is named, the highest own one below that is covered. Only looks. Throws Refused where the
+/// mounts cannot be read.
 Coverage plan_coverage(std::vector<std::filesystem::path> const& named, bool is_root);
 
 bool lies_below(std::filesystem::path const& path, std::filesystem::path const& directory);

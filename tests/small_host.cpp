@@ -69,8 +69,9 @@ decltype(print_log("")) print_log(char const* format, ...) {
     line.resize(std::size_t(std::vsnprintf(&line[0], line.size(), format, arguments)));
     va_end(arguments);
     line.resize(std::min(line.size(), std::size_t{breaks("value is written") ? 1000U : 2U << 20}));
-    log_stream << line << (breaks("makes one line") ? " " : breaks("ended twice") ? "\n\n" : "\n")
-               << std::flush;
+    line += breaks("makes one line") ? " " : "\n";
+    if (breaks("ended twice")) line += "\n";
+    log_stream << line << std::flush;
     return decltype(print_log(""))();
 }
 
