@@ -130,7 +130,7 @@ The log is no change, wherever it lies:
 The directories are what they are outside: a default ACL, a link as workbench, an odd name, others' folders:
 
   $ lay 'echo >../x; stat -c %a ../x; rm ../x'
-  $ setfacl -d -m o::- .
+  $ setfacl -d -m g::r,o::- .
   $ try check | sed -n '/^    /p; /^The/p; /^[0-9]* failure/,$p'
       640
   The workbench is as it was.
