@@ -63,10 +63,13 @@ std::string fault_of_first_line(fs::path const& script) {
     std::istringstream(line.substr(2)) >> interpreter >> program;
     if (!is_there(interpreter))
         return "names " + show(interpreter) + " in its first line, which is not there";
-    bool const is_looked_up = fs::path(interpreter).filename() == "env" && !program.empty() &&
-                              program[0] != '-' && !holds(program, "=");
-    if (!is_looked_up || is_in_search_path(program)) return "";
-    return "names " + show(program) + " in its first line, which no directory in PATH has";
+    if (fs::path(interpreter).filename() != "env" || program[0] == '-' || holds(program, "="))
+        return "";
+    if (program.empty())
+        return "names no program behind " + show(interpreter) + " in its first line";
+    return is_in_search_path(program)
+               ? ""
+               : "names " + show(program) + " in its first line, which no directory in PATH has";
 }
 
 Texts names_in(fs::path const& directory) {
