@@ -22,6 +22,10 @@ What a check without a sandbox says first and last. It leaves what it did, and n
   install.properties
   x
 
+  $ TMPDIR=workbench wb check --no-sandbox s.toml --set WB_INTEGRATION_PATH=workbench
+  wb-trial: TMPDIR has to lie outside of the workbench and the product, for it gets copies of them
+  [2]
+
 Setup script, uninstall script, verdict:
 
   $ both_ways 'mkdir x; echo >x/y' 'rm -r x'

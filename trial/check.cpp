@@ -85,7 +85,10 @@ class Copies {
     /// Throws StartError where they cannot be made, or would not be the same.
     explicit Copies(Places const& places) {
         std::error_code absent;
-        folder_ = fs::temp_directory_path(absent) / "wb-trial-XXXXXX";
+        folder_ = fs::canonical(fs::temp_directory_path(absent), absent) / "wb-trial-XXXXXX";
+        if (places.is_in_workbench(folder_) || places.is_in_product(folder_))
+            throw StartError("TMPDIR has to lie outside of the workbench and the product, for it "
+                             "gets copies of them");
         if (absent || !mkdtemp(folder_.data()))
             throw StartError("TMPDIR names no directory in which copies can be made");
         for (fs::path const& place : std::set<fs::path>{places.workbench, places.product})
