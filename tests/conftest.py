@@ -1,0 +1,293 @@
+"""What all tests share: the site that they work on, a run of wb-trial as a Report, and the ways to
+check. WB_TRIAL_DIR names the build folder whose program is tried."""
+
+import os
+import re
+import shutil
+import subprocess
+import tempfile
+from pathlib import Path
+
+import pytest
+
+ROOT = Path(__file__).parent.parent
+BUILD = Path(os.environ.get("WB_TRIAL_DIR", ROOT / "build/gcc")).resolve()
+IS_ROOT = os.geteuid() == 0
+ORDINARY_USER = 4711 if IS_ROOT else os.geteuid()
+NO_RIGHTS = ["setpriv", "--bounding-set=-dac_override,-dac_read_search"] if IS_ROOT else []
+
+SESSION = """\
+component = [
+    { name = "off-workbench", install_condition = false },
+    { name = "workbench-part", subdir = "/suite/part", files = ['share\\wr-qev-1.0a\\readme.txt'], files_from = "${SESSION_DIR}/product/suite" }]
+[variables]
+log_file = "${SESSION_DIR}/log"
+DEFAULT_SEARCH_PATH = "/absent ${SESSION_DIR}/workbench"
+SUPPORTED_VERSION = "3.1;"
+VORN_INSTALL_DIR = "${SESSION_DIR}/product"
+VORN_INSTALL_SUBDIR = "/suite"
+WB_INSTALL_SUBDIR = "/suite/part"
+WORKBENCH_SCRIPT_NAME = "setup"
+WB_PREFS = ".prefs"
+WB_PREFS_INST_DIR = "home"
+"""
+
+
+def table(names, rows):
+    """A test for each row. Its key says what it is, and is the test's name."""
+    return pytest.mark.parametrize(names, rows.values(), ids=rows)
+
+
+def can(*command):
+    return subprocess.run(command, capture_output=True).returncode == 0
+
+
+def as_user(user):
+    """The words before a command that have another user run it."""
+    if user == os.geteuid():
+        return []
+    return ["setpriv", f"--reuid={user}", f"--regid={user}", "--clear-groups"]
+
+
+# A mount of the machine below one of these directories would change what a sandbox can cover.
+FRESH = ["unshare", "-m", "sh", "-c"]
+FRESH += [
+    'for d in /tmp /var/tmp /dev/shm; do mount -t tmpfs -o mode=1777 x $d; done; exec "$@"',
+    "-",
+]
+HAS_NAMESPACES = can("unshare", "-m", "true") if IS_ROOT else can("unshare", "-Urm", "true")
+
+
+class Report:
+    """What one run of wb-trial printed, on both streams, with "." for the site."""
+
+    def __init__(self, status, text):
+        self.status = status
+        self.text = text
+        self.lines = text.splitlines()
+        self.warnings = self._said("warning")
+        self.notes = self._said("note")
+        self.failures = self._listed(r"\d+ failures?:")
+        self.refusal = "".join(re.findall(r"^wb-trial: (.*)", text, re.M)[:1])
+
+    def _said(self, word):
+        return re.findall(rf"^ *{word}: (.*)", self.text, re.M)
+
+    def _listed(self, title):
+        """The lines that are indented by two blanks below the title."""
+        found = re.search(rf"^{title}\n((?:  .*\n)*)", self.text, re.M)
+        return re.findall(r"^  (\S.*)", found[1], re.M) if found else []
+
+    @property
+    def verdict(self):
+        if self.status == 2:
+            return "refused"
+        if any("leaves the workbench changed" in failure for failure in self.failures):
+            return "changed"
+        return "as it was" if "The workbench is as it was." in self.lines else "none"
+
+    @property
+    def changes(self):
+        """What the uninstall left; of a run that does not uninstall, what was changed."""
+        return self._listed("left by the uninstall:") if "left by" in self.text else self.changed
+
+    @property
+    def changed(self):
+        return self._listed("changed by the [a-z]+:")
+
+    @property
+    def output(self):
+        """What the scripts printed."""
+        return re.findall(r"^    ( *\S.*)", self.text, re.M)
+
+
+class Site:
+    """A workbench, an installed product and a session about them, in a folder of their own."""
+
+    def __init__(self, root, program):
+        self.root = root
+        self.program = program
+        self.workbench = root / "workbench"
+        self.product = root / "product"
+        self.config = root / "product/suite/part/wr-qev-1.0a"
+        self.setup = self.config / "wr-setup/setup.sh"
+        self.uninstall = self.config / "wr-setup/uninst_wr_qev.sh"
+        self.prefs = self.config / "a.prefs"
+        self.script = root / "product/suite/vorn/wb_deintegrate.sh"
+        self.copy = root / "workbench/wr-qev-1.0a"
+        self.session = root / "s.toml"
+        self.log = root / "log"
+        self.home = root / "home"
+        self.temporary = root / "tmp"
+        self.environment = os.environ | {
+            "PATH": f"{program}:{os.environ['PATH']}",
+            "HOME": str(self.home),
+            "TMPDIR": str(self.temporary),
+            "LC_ALL": "C.UTF-8",
+        }
+        for name in ("workbench", "config", "setup", "uninstall", "prefs", "script", "copy"):
+            self.environment[name] = str(getattr(self, name))
+        self.lay()
+
+    def lay(self, setup='echo "setup, arguments: $# $1"', uninstall="echo uninstall"):
+        """Lays everything out anew. The two scripts work in the workbench."""
+        for entry in self.root.iterdir():
+            shutil.rmtree(entry) if entry.is_dir() and not entry.is_symlink() else entry.unlink()
+        for folder in (self.workbench / "dir", self.script.parent, self.setup.parent):
+            folder.mkdir(parents=True)
+        self.home.mkdir()
+        self.temporary.mkdir()
+        (self.workbench / "install.properties").write_text("name=3.1\n")
+        (self.workbench / "dir/file").touch()
+        (self.workbench / "dir/other").touch()
+        self.prefs.write_text("a=1\nhome=\nb=2")
+        self.session.write_text(SESSION)
+        self.write_script(self.setup, setup)
+        self.write_script(self.uninstall, uninstall)
+
+    @staticmethod
+    def write_script(file, text):
+        file.write_text(f'#!/bin/sh\ncd "${{0%/*}}/../.."\n{text}\n')
+        file.chmod(0o755)
+
+    def edit(self, old, new, file=None):
+        """Replaces a text in the session file, or in another one."""
+        file = file or self.session
+        text = file.read_text()
+        assert old in text
+        file.write_text(text.replace(old, new))
+
+    def shell(self, command):
+        """Runs a line of shell in the site, where $workbench, $config, $setup, $uninstall, $prefs,
+        $script and $copy are its files."""
+        subprocess.run(["sh", "-ec", command], cwd=self.root, env=self.environment, check=True)
+
+    def give_to(self, user):
+        if IS_ROOT:
+            subprocess.run(["chown", "-hR", f"{user}:{user}", self.root], check=True)
+
+    def wb_trial(self, *arguments, user=os.geteuid(), within=(), variables={}, environment={}):
+        """Runs wb-trial in the site. `within` are the words before its own, `variables` are set."""
+        settings = [word for name in variables for word in ("--set", f"{name}={variables[name]}")]
+        in_sandbox = "--preview" in arguments or ("check" in arguments and "--no-sandbox" not in arguments)
+        fresh = FRESH if in_sandbox and IS_ROOT and HAS_NAMESPACES else []
+        # The check for leaks cannot look into a process that has entered a namespace.
+        own = {"ASAN_OPTIONS": "detect_leaks=0"} if in_sandbox else {}
+        ended = subprocess.run(
+            [*fresh, *as_user(user), *within, "wb-trial", *arguments, *settings],
+            cwd=self.root,
+            env=self.environment | own | environment,
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.STDOUT,
+            timeout=100,
+        )
+        text = ended.stdout.decode(errors="surrogateescape")
+        return Report(ended.returncode, text.replace(str(self.root), "."))
+
+    def run(self, *actions, **how):
+        return self.wb_trial("run", "s.toml", *actions, **how)
+
+    def integrate(self, workbench=None, **how):
+        """Integrates without a detection."""
+        return self.run(
+            "perform_integration",
+            **how | {"variables": {"WB_INTEGRATION_PATH": workbench or self.workbench}},
+        )
+
+    def tree(self):
+        """All that is in the site: what a sandbox must not change."""
+        listed = ["find", ".", "-printf", r"%P %i %M %U:%G %T@ %l\n", "-type", "f"]
+        return subprocess.run(
+            [*listed, "-exec", "sha256sum", "{}", ";"],
+            cwd=self.root,
+            capture_output=True,
+            check=True,
+        ).stdout
+
+    def entries(self):
+        return sorted(str(path.relative_to(self.root)) for path in self.root.rglob("*"))
+
+
+class Way:
+    """One of the ways to check: by whom, and in a sandbox or on the real disk."""
+
+    def __init__(self, name, user, options=()):
+        self.name = name
+        self.user = user
+        self.options = options
+        self.in_sandbox = not options
+
+    def __call__(self, site, command="check", **how):
+        """The Report of the command. Nothing on the disk may have changed after a sandbox, and no
+        copy may be left by a check without one."""
+        site.give_to(self.user)
+        before = site.tree()
+        report = site.wb_trial(command, "s.toml", *self.options, user=self.user, **how)
+        if self.in_sandbox:
+            assert site.tree() == before
+        assert list(site.temporary.iterdir()) == [] or not self.in_sandbox
+        site.give_to(os.geteuid())
+        return report
+
+
+WAYS = {
+    "sandbox-root": Way("sandbox-root", 0),
+    "sandbox-user": Way("sandbox-user", ORDINARY_USER),
+    "no-sandbox": Way("no-sandbox", os.geteuid(), ["--no-sandbox"]),
+}
+
+
+def way_or_skip(name):
+    way = WAYS[name]
+    if way.user == 0 and not IS_ROOT:
+        pytest.skip("only root can try this")
+    if way.in_sandbox and not can(*as_user(way.user), "unshare", *(["-U"] if way.user else []), "-m", "true"):
+        pytest.skip("no namespaces can be made here")
+    if not way.in_sandbox and not Path("/proc/self").exists():
+        pytest.skip("there is no /proc here")
+    return way
+
+
+@pytest.fixture(params=WAYS)
+def way(request):
+    """Every way to check that can be tried here."""
+    return way_or_skip(request.param)
+
+
+@pytest.fixture(params=["sandbox-root", "sandbox-user"])
+def sandbox(request):
+    """Every sandbox that can be tried here."""
+    return way_or_skip(request.param)
+
+
+@pytest.fixture(scope="session")
+def base():
+    """A folder that everybody can enter, whatever folder the project lies in."""
+    folder = Path(tempfile.mkdtemp(prefix="wb-trial-tests-", dir="/opt" if IS_ROOT else "/tmp"))
+    folder.chmod(0o755)
+    yield folder
+    subprocess.run(["chmod", "-R", "u+rwX", folder])
+    shutil.rmtree(folder)
+
+
+@pytest.fixture(scope="session")
+def program(base):
+    """A copy of the program and its libraries that everybody can run."""
+    for name in ("wb-trial", "libworkbench-int.so.1n", "hostcheck/libworkbench-int.so.1n"):
+        (base / "program" / name).parent.mkdir(exist_ok=True)
+        shutil.copy(BUILD / name, base / "program" / name)
+    return base / "program"
+
+
+@pytest.fixture
+def site(base, program):
+    root = Path(tempfile.mkdtemp(prefix="site-", dir=base))
+    root.chmod(0o755)
+    yield Site(root, program)
+    subprocess.run(["chmod", "-R", "u+rwX", root])
+    shutil.rmtree(root)
+
+
+def pytest_configure():
+    os.umask(0o022)
