@@ -38,6 +38,19 @@ def table(names, rows):
     return pytest.mark.parametrize(names, rows.values(), ids=rows)
 
 
+def keyed_table(names, rows):
+    """A test for each row. Its key is the first argument, and the test's name."""
+    return pytest.mark.parametrize(names, rows.items(), ids=rows)
+
+
+def says(sentences, expected):
+    """Fails unless each sentence holds its line of what is expected, " ... " being any text."""
+    lines = expected.splitlines()
+    assert len(sentences) == len(lines), sentences
+    for sentence, line in zip(sentences, lines):
+        assert re.search(".*".join(map(re.escape, line.split(" ... "))), sentence), sentence
+
+
 def can(*command):
     return subprocess.run(command, capture_output=True).returncode == 0
 
@@ -187,6 +200,11 @@ class Site:
 
     def run(self, *actions, **how):
         return self.wb_trial("run", "s.toml", *actions, **how)
+
+    def install(self, *options, **how):
+        """Installs into the workbench that the user chose."""
+        workbench = f"WB_INTEGRATION_PATH={self.workbench}"
+        return self.wb_trial("install", "s.toml", "--set", workbench, *options, **how)
 
     def integrate(self, workbench=None, **how):
         """Integrates without a detection."""
