@@ -1,12 +1,42 @@
 """Whether the workbench is as it was after an install and an uninstall, told by every way to check."""
 
-from conftest import table
+import pytest
+from conftest import WAYS, table
 
 
 @table(
     "setup, uninstall, verdict",
     {
-        "what was added is removed": ("mkdir x; echo >x/y", "rm -r x", "as it was"),
+        "nothing is done": (":", ":", "as it was"),
+        "a folder is removed again": ("mkdir x; echo >x/y", "rm -r x", "as it was"),
+        "a file stays": ("echo >x", ":", "changed"),
+        "an empty folder stays": ("mkdir x", ":", "changed"),
+        "modes are set back": ("chmod 700 .; chmod 600 dir", "chmod 755 . dir", "as it was"),
+        "a mode is not": ("chmod 700 dir", ":", "changed"),
+        "nor the workbench's own": ("chmod 700 .", ":", "changed"),
+        "set-user-ID stays": ("chmod u+s dir/file", ":", "changed"),
+        "set-group-ID stays": ("chmod g+s dir", ":", "changed"),
+        "a sticky bit stays": ("chmod +t dir", ":", "changed"),
+        "a file is made anew": ("rm dir/file", "touch dir/file", "as it was"),
+        "a folder is made anew": ("rm -r dir", "mkdir dir; touch dir/file dir/other", "as it was"),
+        "with one file less": ("rm -r dir", "mkdir dir; touch dir/file", "changed"),
+        "a file is moved back": ("mv dir/file x", "mv x dir/file", "as it was"),
+        "only times differ": ("touch -d 2001-01-01 . dir dir/file", ":", "as it was"),
+        "content of the same size": ("echo nane=3.1 >install.properties", ":", "changed"),
+        "content of the same size and time": (
+            "cp -p install.properties x; echo nane=3.1 >install.properties",
+            "touch -r x install.properties; rm x",
+            "changed",
+        ),
+        "an attribute stays": ("setfattr -n user.color -v red dir/file", ":", "changed"),
+        "an attribute is removed": (
+            "setfattr -n user.color -v red dir/file",
+            "setfattr -x user.color dir/file",
+            "as it was",
+        ),
+        "an ACL stays": ("setfacl -m u:$(id -u):r dir/file", ":", "changed"),
+        "a file becomes a link to the same": ("cp dir/file x; ln -sf ../x dir/file", "rm x", "changed"),
+        "a file becomes a folder": ("rm dir/file", "mkdir dir/file", "changed"),
         "more is removed": (":", "rm -r dir", "changed"),
     },
 )
@@ -15,3 +45,102 @@ def test_verdict(site, way, setup, uninstall, verdict):
     report = way(site)
     assert report.verdict == verdict, report.text
     assert report.status == (verdict != "as it was")
+
+
+def test_link_to_something_else(site, way):
+    site.lay("ln -sfn other dir/link", "ln -sfn othen dir/link")
+    (site.workbench / "dir/link").symlink_to("other")
+    assert way(site).verdict == "changed"
+
+
+@table(
+    "setup, uninstall, still_running",
+    {
+        "the uninstall ends it": (
+            "(sleep 99 & echo $! >p) >/dev/null 2>&1",
+            "kill $(cat p); while kill -0 $(cat p) 2>/dev/null; do sleep 0.01; done; rm p",
+            [],
+        ),
+        "it ends a little later": ("sleep 0.5 >/dev/null 2>&1 &", ":", []),
+        "two go on, one without its parent": (
+            "exec >/dev/null 2>&1; sleep 5.5 & (sleep 5.75 &)",
+            ":",
+            ["sleep 5.5", "sleep 5.75"],
+        ),
+    },
+)
+def test_process(site, way, setup, uninstall, still_running):
+    site.lay(setup, uninstall)
+    report = way(site)
+    assert report.verdict == "as it was"
+    expected = [f"check: still running after the uninstall: {command}" for command in still_running]
+    assert sorted(report.failures) == expected
+    assert report.status == bool(still_running)
+
+
+@table(
+    "setup, has_note",
+    {
+        "its script and the text of preferences": (":", False),
+        "another file": ("echo >>$product/suite/file", True),
+        "the mode of preferences": ("chmod 600 $prefs", True),
+        "preferences that are gone": ("rm $prefs", True),
+    },
+)
+def test_product(site, way, setup, has_note):
+    """A check tells of every change of the product but those that an integration has to make."""
+    site.lay(setup)
+    (site.product / "suite/file").touch()
+    report = way(site)
+    assert report.verdict == "as it was"
+    assert any("leaves the product changed" in note for note in report.notes) == has_note, report.text
+
+
+@table(
+    "before, status, sentence",
+    {
+        "an empty folder is none": ("mkdir $copy", 1, "the uninstall leaves the workbench changed"),
+        "this product's": ("cp -R $config $copy; ln -s $copy/x $script", 2, ""),
+        "a folder of another one": ("mkdir $copy; touch $copy/other", 2, "not by this product"),
+    },
+)
+def test_earlier_integration(site, way, before, status, sentence):
+    """Its uninstall would remove it, so it is not touched."""
+    site.shell(before)
+    earlier = site.tree()
+    report = way(site)
+    assert (report.status, sentence in report.text) == (status, True), report.text
+    assert status == 1 or site.tree() == earlier
+
+
+@table(
+    "move, setup, verdict",
+    {
+        "workbench in product": ("mv workbench product", "echo >x", "changed"),
+        "product in workbench": ("mv product workbench", "echo >x", "changed"),
+        "which alone changes": ("mv product workbench", "echo >product/x", "as it was"),
+    },
+)
+def test_one_in_the_other(site, way, move, setup, verdict):
+    site.lay(setup)
+    site.shell(move)
+    inner, outer = move.split()[1:]
+    site.edit(f"DIR}}/{inner}", f"DIR}}/{outer}/{inner}")
+    report = way(site)
+    assert report.verdict == verdict, report.text
+    assert any("leaves the product changed" in note for note in report.notes) == (verdict == "as it was")
+
+
+def test_without_a_sandbox_the_disk_changes(site):
+    site.lay("echo >x")
+    report = WAYS["no-sandbox"](site)
+    assert report.lines[0] == "The disk changes: this check really installs and uninstalls."
+    assert "What the last list shows is left on the disk." in report.text
+    assert (site.workbench / "x").exists()
+
+
+@pytest.mark.parametrize("place", ["workbench/dir", "product"])
+def test_copies_have_to_lie_elsewhere(site, place):
+    report = site.wb_trial("check", "--no-sandbox", "s.toml", environment={"TMPDIR": place})
+    assert report.status == 2
+    assert "TMPDIR has to lie outside" in report.refusal
