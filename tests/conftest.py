@@ -206,12 +206,10 @@ class Site:
         workbench = f"WB_INTEGRATION_PATH={self.workbench}"
         return self.wb_trial("install", "s.toml", "--set", workbench, *options, **how)
 
-    def integrate(self, workbench=None, **how):
+    def integrate(self, workbench=None, variables={}, **how):
         """Integrates without a detection."""
-        return self.run(
-            "perform_integration",
-            **how | {"variables": {"WB_INTEGRATION_PATH": workbench or self.workbench}},
-        )
+        chosen = {"WB_INTEGRATION_PATH": workbench or self.workbench}
+        return self.run("perform_integration", variables=chosen | variables, **how)
 
     def tree(self):
         """All that is in the site: what a sandbox must not change."""

@@ -1,0 +1,199 @@
+"""Arguments and session files, what a script finds, and where the report and the log go."""
+
+import shlex
+import subprocess
+
+import pexpect
+import pytest
+
+from conftest import BUILD, NO_RIGHTS, Report, keyed_table, says, table
+
+NOT_WRITTEN = "wb-trial: the report cannot be written"
+
+
+def sh(line):
+    """The words before a command that have a shell run it: "$@" in the line."""
+    return ["sh", "-c", line, "-"]
+
+
+@keyed_table(
+    "arguments, refusal",
+    {
+        "": "wb-trial: a command is missing: check, install, uninstall or run",
+        "chek s.toml": "wb-trial: unknown command chek; did you mean check?",
+        "s.toml": 'wb-trial: unknown command s.toml; known are "check", "install", "uninstall", "run"',
+        "install": "SESSION.toml is required",
+        "install absent.toml": "wb-trial: absent.toml: No such file or directory",
+        "install '\033[1m.toml'": r"wb-trial: \x1b[1m.toml: No such file or directory",
+        "install workbench": "wb-trial: workbench: Is a directory",
+        "install s.toml more": "more",
+        "run s.toml init_wb_prefs exit": "exit ... detect_wb_in_default_path ... init_wb_prefs",
+        "install s.toml --set =x": 'wb-trial: --set "=x": write NAME=VALUE',
+        "install s.toml --set WB_INTEGRATION_DIR=x": (
+            "wb-trial: --set: unknown variable WB_INTEGRATION_DIR; did you mean WB_INTEGRATION_PATH?"
+        ),
+        "install s.toml --plugin ''": "--plugin: the name is empty",
+        "install s.toml --plugin absent.so": "wb-trial: absent.so: the library does not load",
+        "install s.toml --plugin ./libworkbench-int.so.1n": (
+            "wb-trial: ./libworkbench-int.so.1n: the library does not load: ... undefined symbol: _Z6is_dxr"
+        ),
+        "install s.toml --plugin /lib/x86_64-linux-gnu/libm.so.6": (
+            "libm.so.6: the library exports no detect_wb_in_default_path"
+        ),
+    },
+)
+def test_arguments_with_which_nothing_is_run(site, arguments, refusal):
+    library = site.root / "libworkbench-int.so.1n"
+    library.write_bytes((BUILD / library.name).read_bytes().replace(b"_Z6is_dir", b"_Z6is_dxr"))
+    before = site.entries()
+    report = site.wb_trial(*shlex.split(arguments))
+    says(report.lines[:1], refusal)
+    assert report.status == 2 and site.entries() == before
+
+
+@keyed_table(
+    "text, refusal",
+    {
+        "[variables": "1: Error while parsing table header",
+        "a = 1": "1: unknown key a; a session has [variables] and [[component]]",
+        "variables = 1": "1: variables has to be a table: [variables]",
+        '[variables]\nWB_PREFS = "x"\nlog_file = 1': "3: log_file has to be a string",
+        "[variables]\nWORKBENCH_SCRIPT = ''": (
+            "2: unknown variable WORKBENCH_SCRIPT; did you mean WORKBENCH_SCRIPT_NAME?"
+        ),
+        "[component]\nname = 'a'": "1: component has to be a list of tables: [[component]]",
+        "[[component]]": "1: a component needs a name",
+        "[[component]]\nname = 'a'\nfiles = 'a'": "3: files has to be a list of strings",
+        "[[component]]\nname = 'a'\nfiles_from = 'absent'": "3: files_from: No such file or directory",
+        "[[component]]\nname = 'a'\nfiles_from = '${SESSION_DIR}/locked'": "3: files_from: Permission denied",
+        "[[component]]\nname = 'a'\ninstall_condition = 'true'": "3: install_condition has to be true",
+        "\udcff": "1: Encountered invalid utf-8",
+    },
+)
+def test_session_files_with_which_nothing_is_run(site, text, refusal):
+    site.session.write_bytes(text.encode(errors="surrogateescape"))
+    site.shell("mkdir -m 0 locked")
+    report = site.wb_trial("install", "s.toml", within=NO_RIGHTS)
+    says([report.refusal], "s.toml:" + refusal)
+    assert report.status == 2
+
+
+def test_session_without_components(site):
+    site.session.write_text("component = []")
+    report = site.run("find_wb_components", variables={"log_file": "/dev/null"})
+    assert 'WB_INTEGRATION_SUPPORTED = "no"' in report.text and report.status == 0
+
+
+def test_options_stand_anywhere_and_actions_run_in_the_order_given(site):
+    site.shell('ln -s "$PWD" s.toml product/suite')
+    arguments = "run s.toml perform_deintegration init_wb_prefs --set WB_PREFS=b=c find_wb_components --trace"
+    report = site.wb_trial("--set", "VORN_INSTALL_SUBDIR=x", *shlex.split(arguments))
+    returned = [line.split()[0] for line in report.lines if " returned " in line]
+    assert returned == ["perform_deintegration", "init_wb_prefs", "find_wb_components"]
+    assert 'env_get_string("VORN_INSTALL_DIR") = "./product"' in report.lines
+    assert 'env_get_string("VORN_INSTALL_SUBDIR") = "x"' in report.lines
+    assert 'env_get_string("WB_PREFS") = "b=c"' in report.lines
+    assert (  # without the links
+        r'fileList(set) = {"share\\wr-qev-1.0a\\readme.txt", "part/wr-qev-1.0a/a.prefs", '
+        '"part/wr-qev-1.0a/wr-setup/setup.sh", "part/wr-qev-1.0a/wr-setup/uninst_wr_qev.sh"}'
+    ) in report.lines
+    assert report.status == 1
+
+
+def test_session_folder_is_the_one_of_the_name_that_was_given(site):
+    site.shell('ln -s "$PWD" elsewhere; mkdir log')
+    report = site.wb_trial("run", "elsewhere/s.toml", "find_wb_components", "--trace")
+    assert 'env_get_string("log_file") = "./log"' in report.lines
+
+
+@table(
+    "script, output",
+    {
+        "no input": ("read -r line || echo end of input", ["end of input"]),
+        "what ends a process": ("sh -c 'kill -PIPE $$'; echo $?", ["141"]),
+        "no descriptors": ("for n in 3 4 5 6 7 8 9; do (: <&$n) 2>/dev/null && echo $n; done; true", []),
+        "a report that says what runs": ("grep -c runs: ../report", ["1"]),
+    },
+)
+def test_what_a_script_finds_whatever_the_caller_left(site, script, output):
+    site.lay(script)
+    site.shell("mkfifo never")
+    ignoring = "env --ignore-signal=CHLD --ignore-signal=PIPE"
+    site.integrate(within=sh(f'exec {ignoring} timeout 20 "$@" 0<>never 7<s.toml >report'))
+    assert Report(0, (site.root / "report").read_text()).output == output
+
+
+def test_control_characters_are_escaped(site):
+    site.lay(r"printf 'ESC\t\033[1m \302\233 \177\n' >&2")
+    assert site.integrate().output == ["ESC\t\\x1b[1m \udcc2\\x9b \\x7f"]
+    name = {"WORKBENCH_SCRIPT_NAME": "\033[1m"}
+    says(site.integrate(variables=name).failures, r"/wr-setup/\x1b[1m.sh")
+    report = site.run(
+        "detect_wb_in_default_path", variables={"log_file": "", "DEFAULT_SEARCH_PATH": "\033[1m"}
+    )
+    assert r"workbench_int: default_path_string \x1b[1m" in report.lines
+
+
+def test_the_log_has_all_output(site):
+    site.lay("head -c 8388608 /dev/zero | tr '\\0' '~'; echo; echo last")
+    assert site.integrate().output[-1] == "last"
+    assert site.log.read_bytes().count(b"~") == 8388608
+
+
+@keyed_table(
+    "log, failure",
+    {
+        "absent/log": 'the log "absent/log" cannot be opened (No such file or directory)',
+        "/dev/full": "the log cannot be written",
+    },
+)
+def test_lines_that_the_log_does_not_take_go_to_standard_error(site, log, failure):
+    report = site.run("find_wb_components", "find_wb_components", variables={"log_file": log})
+    assert report.lines.count("workbench_int: find_wb_components entered") == 2
+    says(report.failures, f"find_wb_components: {failure}; its lines go to standard error")
+
+
+@keyed_table(
+    "line, arguments",
+    {
+        'exec 8<>pipe 9>pipe 8<&-; "$@" >&9': "install s.toml",
+        '"$@" >&-': "run s.toml find_wb_components",
+        '"$@" >/dev/full': "check --no-sandbox s.toml",
+        'exec "$@" >/dev/full': "--version",
+    },
+)
+def test_a_report_that_cannot_be_written_is_a_failure(site, line, arguments):
+    site.shell("mkfifo pipe")
+    report = site.wb_trial(*shlex.split(arguments), within=sh(line))
+    assert report.lines[-1] == NOT_WRITTEN and report.status == 1
+    assert "install" not in arguments or "found WB prefs file" in site.log.read_text()
+
+
+def test_no_colors_in_a_file_while_standard_error_is_a_terminal(site):
+    site.lay("exit 3")
+    environment = site.environment | {"NO_COLOR": "", "TERM": "xterm"}
+    command = "sh -c 'wb-trial check --no-sandbox s.toml >report'"
+    _, status = pexpect.run(command, cwd=site.root, env=environment, withexitstatus=True)
+    report = (site.root / "report").read_text()
+    assert "ended with status 3" in report and "\033" not in report and status == 1
+
+
+def test_installed_it_finds_the_library_that_was_installed_with_it(site):
+    install = ["cmake", "--install", BUILD, "--prefix", site.root / "usr"]
+    subprocess.run(install, check=True, capture_output=True)
+    path = {"PATH": f"{site.root}/usr/bin:{site.environment['PATH']}"}
+    report = site.run("find_wb_components", environment=path)
+    assert report.lines[0] == "find_wb_components returned 0" and report.status == 0
+
+
+@table(
+    "environment, status, said",
+    {
+        "kept": ({}, 0, "\n1.."),
+        "not tried": ({"TMPDIR": "/absent"}, 1, "find_wb_components: the result is 1"),
+    },
+)
+def test_its_own_operations_keep_what_an_installer_promises(site, environment, status, said):
+    hostcheck = site.program / "hostcheck/libworkbench-int.so.1n"
+    report = site.run("find_wb_components", "--plugin", str(hostcheck), environment=environment)
+    assert "\nnot ok" not in report.text and said in report.text and report.status == status
