@@ -62,6 +62,11 @@ def as_user(user):
     return ["setpriv", f"--reuid={user}", f"--regid={user}", "--clear-groups"]
 
 
+def sh(line):
+    """The words before a command that have a shell run it: "$@" in the line."""
+    return ["sh", "-c", line, "-"]
+
+
 # A mount of the machine below one of these directories would change what a sandbox can cover.
 FRESH = ["unshare", "-m", "sh", "-c"]
 FRESH += [
@@ -169,6 +174,14 @@ class Site:
         text = file.read_text()
         assert old in text
         file.write_text(text.replace(old, new))
+
+    def broken_library(self, old, new):
+        """The name of a copy of the plug-in with another text in it."""
+        name = "libworkbench-int.so.1n"
+        content = (self.program / name).read_bytes()
+        assert old in content and len(old) == len(new)
+        (self.root / name).write_bytes(content.replace(old, new))
+        return f"./{name}"
 
     def shell(self, command):
         """Runs a line of shell in the site, where $workbench, $product, $config, $setup, $uninstall, $prefs,

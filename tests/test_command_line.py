@@ -6,14 +6,9 @@ import subprocess
 import pexpect
 import pytest
 
-from conftest import BUILD, NO_RIGHTS, Report, keyed_table, says, table
+from conftest import BUILD, NO_RIGHTS, Report, keyed_table, says, sh, table
 
 NOT_WRITTEN = "wb-trial: the report cannot be written"
-
-
-def sh(line):
-    """The words before a command that have a shell run it: "$@" in the line."""
-    return ["sh", "-c", line, "-"]
 
 
 @keyed_table(
@@ -43,8 +38,7 @@ def sh(line):
     },
 )
 def test_arguments_with_which_nothing_is_run(site, arguments, refusal):
-    library = site.root / "libworkbench-int.so.1n"
-    library.write_bytes((BUILD / library.name).read_bytes().replace(b"_Z6is_dir", b"_Z6is_dxr"))
+    site.broken_library(b"_Z6is_dir", b"_Z6is_dxr")
     before = site.entries()
     report = site.wb_trial(*shlex.split(arguments))
     says(report.lines[:1], refusal)
