@@ -24,7 +24,10 @@ with tempfile.TemporaryDirectory() as folder:
     command = f"'{program}' check '{folder}/session.toml'"
     check = subprocess.run(
         ["script", "--quiet", "--return", "--command", command, "/dev/null"],
-        capture_output=True, text=True, check=False)
+        capture_output=True,
+        text=True,
+        check=False,
+    )
     if check.returncode != 1:
         sys.exit(f"picture.py: the check ended with {check.returncode}:\n{check.stdout}")
     report = check.stdout.replace("\r", "").replace(folder, "/srv")

@@ -320,3 +320,11 @@ def site(base, program):
 
 def pytest_configure():
     os.umask(0o022)
+
+
+def pytest_terminal_summary(terminalreporter):
+    """Adds what was skipped, and why, to the list with which ./dev ends."""
+    if "SKIPPED_TESTS" in os.environ and "PYTEST_XDIST_WORKER" not in os.environ:
+        with open(os.environ["SKIPPED_TESTS"], "a") as skipped:
+            for report in terminalreporter.stats.get("skipped", []):
+                skipped.write(f"{report.nodeid.partition('[')[0]}: {report.longrepr[2]}\n")

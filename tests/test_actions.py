@@ -22,7 +22,7 @@ def test_verdict_on_a_workbench_of_version_3_1(site, versions, status):
     "command, status",
     {
         "chmod 555 workbench": "notwritable",
-        "chmod 555 workbench; sed -i s/3.1/1.3/ workbench/*.properties": "unsupported",
+        "echo name=1 >workbench/install.properties; chmod 555 workbench": "unsupported",
         "rm workbench/*.properties; mkdir workbench/install.properties": "undefined",
     },
 )
