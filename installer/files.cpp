@@ -11,8 +11,8 @@
 #include <iostream>
 #include <vector>
 
-#include "installer/held_signals.h"
 #include "installer/show.h"
+#include "installer/signals.h"
 
 namespace fs = std::filesystem;
 
@@ -97,7 +97,7 @@ class TreeCopy {
             do {
                 from.read(block.data(), std::streamsize(block.size()));
                 require(!from.bad() && to.write(block.data(), from.gcount()), target);
-                require(!HeldSignals::are_pending(), target, EINTR);
+                require(!HeldSignals::pending(), target, EINTR);
                 show_progress();
             } while (from);
             require(bool(to.flush()), target);

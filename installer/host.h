@@ -29,7 +29,8 @@ struct Host {
     bool has_log_failed = false;
     Outcome outcome; ///< of the action at work, or of the last one
     std::string shell = "/bin/sh";
-    std::string action; ///< its name, for the report; empty for no report
+    bool separates_commands = false; ///< into process groups of their own
+    std::string action;              ///< its name, for the report; empty for no report
     CallListener* listener = nullptr;
 
     Host() { current_ = this; }

@@ -132,7 +132,7 @@ std::string get_command_output(std::string command, int* status, bool flag, std:
         Host& host = Host::current();
         if (!host.action.empty())
             std::cout << host.action << "\n  runs: " << printable(command) << std::endl;
-        CommandOutcome ended = run_in_shell(host.shell, command);
+        CommandOutcome ended = run_in_shell(host.shell, command, host.separates_commands);
         *status = ended.status;
         constexpr std::size_t kept = std::size_t{4} << 20;
         std::size_t const size = ended.output.size();

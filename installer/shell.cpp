@@ -11,13 +11,14 @@
 #include <system_error>
 #include <vector>
 
+#include "installer/signals.h"
+
 namespace installer {
 
 namespace {
 
-[[noreturn]] void become(char const* shell, char const* command, int output) {
-    // In a session of its own, with no terminal, a command cannot signal the group of its caller.
-    if (getsid(0) == getppid()) setpgid(0, 0);
+[[noreturn]] void execute(char const* shell, char const* command, int output, bool in_own_group) {
+    if (in_own_group) setpgid(0, 0);
     dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
     dup2(output, STDOUT_FILENO);
     dup2(output, STDERR_FILENO);
@@ -27,31 +28,43 @@ namespace {
     _exit(127);
 }
 
-std::string read_all(int input) {
+/// Up to its end, or until one of the signals comes.
+std::string read_all(int input, HeldSignals const& signals) {
     std::string text;
     std::vector<char> block(std::size_t{1} << 16);
-    ssize_t size = 0;
-    while ((size = read(input, block.data(), block.size())) > 0)
-        text.append(block.data(), static_cast<std::size_t>(size));
+    ssize_t size = 1;
+    while (size > 0 && !HeldSignals::pending()) {
+        if (!signals.wait(input)) continue;
+        size = read(input, block.data(), block.size());
+        if (size > 0) text.append(block.data(), static_cast<std::size_t>(size));
+    }
     return text;
 }
 
 } // namespace
 
-CommandOutcome run_in_shell(std::string const& shell, std::string const& command) {
+CommandOutcome run_in_shell(std::string const& shell, std::string const& command,
+                            bool in_own_group) {
+    HeldSignals const signals; // they end the command too
     std::array<int, 2> ends = {-1, -1};
     pid_t const process = pipe2(ends.data(), O_CLOEXEC) == 0 ? fork() : -1;
     if (process == -1) throw std::system_error(errno, std::generic_category(), "start a command");
-    if (process == 0) become(shell.c_str(), command.c_str(), ends[1]);
+    if (process == 0) {
+        signals.release();
+        execute(shell.c_str(), command.c_str(), ends[1], in_own_group);
+    }
     close(ends[1]);
     int status = 0;
     auto const finish = [&] {
         close(ends[0]);
-        waitpid(process, &status, 0);
+        pid_t ended = 0;
+        while ((ended = waitpid(process, &status, WNOHANG)) == 0 && !HeldSignals::pending())
+            signals.wait();
+        if (ended == 0) signals.pass_on(process);
     };
     std::string output;
     try {
-        output = read_all(ends[0]);
+        output = read_all(ends[0], signals);
     } catch (std::bad_alloc const&) {
         finish();
         throw;

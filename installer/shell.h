@@ -11,7 +11,10 @@ struct CommandOutcome {
 
 /// Runs `shell -c command` with no standard input, waits for it and for the end of its output, and
 /// returns what it wrote to both its output streams. Where there is no such shell, the status is
-/// 127. Throws std::system_error or std::bad_alloc where there is no room for it.
-CommandOutcome run_in_shell(std::string const& shell, std::string const& command);
+/// 127. SIGINT, SIGTERM or SIGHUP to this process alone ends it, and is passed on to the command.
+/// One in a process group of its own cannot signal this process's; on a terminal it would be in the
+/// background. Throws std::system_error or std::bad_alloc where there is no room for it.
+CommandOutcome run_in_shell(std::string const& shell, std::string const& command,
+                            bool in_own_group);
 
 } // namespace installer

@@ -8,7 +8,7 @@
 #include <iostream>
 #include <set>
 
-#include "installer/held_signals.h"
+#include "installer/signals.h"
 #include "sandbox/processes.h"
 #include "trial/places.h"
 #include "trial/preview.h"

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <set>
 
+#include "installer/host.h"
 #include "sandbox/processes.h"
 #include "sandbox/sandbox.h"
 
@@ -77,6 +78,7 @@ ExitStatus run_in_sandbox(Session const& session, Report const& report,
     auto const run_and_report = [&](sandbox::Inside const& inside) -> int {
         return status_or_error([&] {
             adapt_to(inside, temporary, report);
+            installer::Host::current().separates_commands = true;
             work(ChangeReport(inside.directories, session, report));
             std::cout << "Nothing on the disk was changed.\n";
             return report.finish();
