@@ -281,20 +281,4 @@ std::vector<Change> find_changes(std::vector<Watched> const& directories,
     return changes;
 }
 
-std::string described(Change const& change) {
-    return change.path + (change.detail.empty() ? "" : " (" + change.detail + ")");
-}
-
-std::vector<std::string> shown_lines(std::string const& difference) {
-    constexpr std::size_t most_lines = 20;
-    constexpr std::size_t longest = 300;
-    std::vector<std::string> lines;
-    std::istringstream stream(difference);
-    std::size_t number = 0;
-    for (std::string line; std::getline(stream, line); ++number)
-        if (number < most_lines) lines.push_back(line.substr(0, longest));
-    if (number > most_lines) lines.push_back(std::to_string(number - most_lines) + " more lines");
-    return lines;
-}
-
 } // namespace sandbox

@@ -38,10 +38,4 @@ struct Change {
 std::vector<Change> find_changes(std::vector<Watched> const& directories,
                                  std::filesystem::path const& left_out);
 
-/// The path and, in parentheses, the detail. Control characters are as they are.
-std::string described(Change const& change);
-
-/// The first 20 lines of a difference, cut where they are long, and how many more there are.
-std::vector<std::string> shown_lines(std::string const& difference);
-
 } // namespace sandbox

@@ -96,7 +96,7 @@ class Copies {
         std::vector<Change> const lost = sandbox::find_changes(directories_, "");
         if (lost.empty()) return;
         remove();
-        throw StartError("run as root, for this user's copy differs: " + described(lost[0]));
+        throw StartError("run as root, for this user's copy differs: " + lost[0].path);
     }
     ~Copies() { remove(); }
     Copies(Copies const&) = delete;

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <sstream>
 #include <string_view>
 
 #include "installer/show.h"
@@ -28,6 +29,24 @@ char const* color_of(char letter) {
 bool wants_colors() {
     char const* const refusal = std::getenv("NO_COLOR");
     return isatty(STDOUT_FILENO) == 1 && !(refusal && *refusal);
+}
+
+/// The path and, in parentheses, the detail. Control characters are as they are.
+std::string described(sandbox::Change const& change) {
+    return change.path + (change.detail.empty() ? "" : " (" + change.detail + ")");
+}
+
+/// The first 20 lines of a difference, cut where they are long, and how many more there are.
+std::vector<std::string> shown_lines(std::string const& difference) {
+    constexpr std::size_t most_lines = 20;
+    constexpr std::size_t longest = 300;
+    std::vector<std::string> lines;
+    std::istringstream stream(difference);
+    std::size_t number = 0;
+    for (std::string line; std::getline(stream, line); ++number)
+        if (number < most_lines) lines.push_back(line.substr(0, longest));
+    if (number > most_lines) lines.push_back(std::to_string(number - most_lines) + " more lines");
+    return lines;
 }
 
 } // namespace
@@ -66,7 +85,7 @@ void Report::changes(std::string const& title, std::vector<sandbox::Change> cons
     if (changes.empty()) std::cout << "  nothing\n";
     for (sandbox::Change const& change : changes) {
         print(color_of(change.letter), std::string("  ") + change.letter, " " + described(change));
-        for (std::string const& line : sandbox::shown_lines(change.difference))
+        for (std::string const& line : shown_lines(change.difference))
             print(color_of(line[0]), "      " + installer::printable(line, "\t"), "");
     }
 }
