@@ -4,19 +4,23 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <set>
 
 #include "trial/check.h"
 #include "trial/exit_status.h"
-#include "trial/names.h"
 #include "trial/plugin.h"
 #include "trial/preview.h"
 #include "trial/sequence.h"
 #include "trial/session_file.h"
+#include "trial/unknown_name.h"
 
 using namespace trial;
 using Texts = std::vector<std::string>;
 
 namespace {
+
+Texts const commands = {"check", "install", "uninstall", "run"};
+Texts const actions(action_names.begin(), action_names.end());
 
 struct Arguments {
     std::string command, session_file, plugin_file;
@@ -37,8 +41,15 @@ void declare_common_options(CLI::App& app, Arguments& arguments) {
                    "Use this library, not the bundled one; it has to be built for the headers in "
                    "this project's host/")
         ->type_name("FILE")
+        ->group("For installers")
         ->check([](std::string const& file) { return file.empty() ? "the name is empty" : ""; });
-    app.add_flag("--trace", arguments.trace, "Print every host call on standard error");
+    app.add_flag("--trace", arguments.trace, "Print every host call on standard error")
+        ->group("For installers");
+}
+
+std::string check_action(std::string const& name) {
+    bool const is_known = std::count(actions.begin(), actions.end(), name) != 0;
+    return is_known ? "" : unknown_name("action", name, actions);
 }
 
 void declare_commands(CLI::App& app, Arguments& arguments) {
@@ -61,20 +72,7 @@ void declare_commands(CLI::App& app, Arguments& arguments) {
     app.get_subcommand("run")
         ->add_option("ACTION", arguments.actions, "The actions")
         ->required()
-        ->check(CLI::IsMember(Texts(action_names.begin(), action_names.end())));
-}
-
-void fill(installer::Session& session, Arguments const& arguments) {
-    read_session_file(arguments.session_file, session);
-    for (std::string const& setting : arguments.settings) {
-        std::size_t const size = setting.find('=');
-        if (size == 0 || size == std::string::npos)
-            throw StartError("--set " + installer::show(setting) + ": write NAME=VALUE");
-        std::string const name = setting.substr(0, size);
-        if (!is_known_variable(name))
-            throw StartError("--set: " + unknown_name("variable", name, known_variables));
-        session.variables[name] = setting.substr(size + 1);
-    }
+        ->check(CLI::Validator(check_action, CLI::IsMember(actions).get_description()));
 }
 
 struct Tracer : installer::CallListener {
@@ -82,10 +80,14 @@ struct Tracer : installer::CallListener {
 };
 
 ExitStatus execute(Arguments const& arguments) {
+    std::error_code unreachable;
+    if (std::filesystem::canonical(std::filesystem::current_path(unreachable), unreachable).empty())
+        throw StartError("the working directory cannot be reached by this user (" +
+                         unreachable.message() + "); change to another one");
     Tracer tracer;
     installer::Host host;
     if (arguments.trace) host.listener = &tracer;
-    fill(host.session, arguments);
+    read_session(arguments.session_file, arguments.settings, host.session);
     std::string const& file = arguments.plugin_file;
     Plugin const plugin(file.empty() ? bundled_plugin().string() : file);
     Report report;
@@ -115,33 +117,45 @@ void tidy_process() {
     signal(SIGPIPE, [](int) {}); // not ignored: that would stay so in the commands that are run
 }
 
-/// Throws StartError where no command is among the arguments.
-void require_command(CLI::App const& app) {
-    if (!app.get_subcommands().empty()) return;
-    Texts const others = app.remaining();
-    if (others.empty()) throw StartError("a command is missing: check, install, uninstall or run");
-    throw StartError(unknown_name("command", others[0], {"check", "install", "uninstall", "run"}));
+/// What is wrong with the first argument that has no place.
+std::string misplaced(CLI::App const& app) {
+    std::string const argument = app.remaining(true).front();
+    bool const is_before_command = !app.remaining().empty();
+    std::set<std::string> options;
+    std::vector<CLI::App const*> parsers = app.get_subcommands(nullptr);
+    parsers.push_back(&app);
+    for (CLI::App const* parser : parsers)
+        for (CLI::Option const* option : parser->get_options())
+            if (!option->get_lnames().empty()) options.insert(option->get_name());
+    if (options.count(argument) != 0)
+        return is_before_command
+                   ? argument + " has to stand after its command"
+                   : app.get_subcommands().front()->get_name() + " has no option " + argument;
+    if (argument[0] == '-')
+        return unknown_name("option", argument, Texts(options.begin(), options.end()));
+    return is_before_command ? unknown_name("command", argument, commands)
+                             : "unexpected argument " + argument;
 }
 
 ExitStatus run_command_line(int argc, char const* const* argv) {
-    CLI::App app("Runs the workbench plug-in on a product, without the installer.\n"
-                 "Exit status: 0 all succeeded, 1 something failed, 2 nothing was run.",
-                 "wb-trial");
+    CLI::App app("Runs the workbench plug-in on a product, without the installer.", "wb-trial");
+    app.footer("Exit status: 0 all succeeded, 1 something failed, 2 nothing was run.");
     app.set_version_flag("--version", TRIAL_VERSION);
     app.require_subcommand(0, 1);
     Arguments arguments;
     declare_common_options(app, arguments);
     declare_commands(app, arguments);
-    app.footer("wb-trial COMMAND --help lists all options of a command.");
+    app.footer("wb-trial COMMAND --help lists all options of a command.\n" + app.get_footer());
     try {
         app.parse(argc, argv);
-    } catch (CLI::ExtrasError const& error) {
-        require_command(app);
-        return app.exit(error), not_started;
+    } catch (CLI::ExtrasError const&) {
+        throw StartError(misplaced(app));
     } catch (CLI::ParseError const& error) {
-        return app.exit(error) == 0 ? status_of(true) : not_started;
+        if (error.get_exit_code() != 0) throw StartError(error.what());
+        return app.exit(error), status_of(true);
     }
-    require_command(app);
+    if (app.get_subcommands().empty())
+        throw StartError("a command is missing: check, install, uninstall or run");
     arguments.command = app.get_subcommands().front()->get_name();
     return execute(arguments);
 }

@@ -9,9 +9,9 @@
 
 #include "installer/files.h"
 #include "installer/show.h"
-#include "trial/names.h"
 #include "trial/places.h"
 #include "trial/undo_check.h"
+#include "trial/unknown_name.h"
 
 namespace fs = std::filesystem;
 using installer::normalised;

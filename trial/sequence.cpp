@@ -6,10 +6,10 @@
 #include <sstream>
 
 #include "installer/show.h"
-#include "trial/names.h"
 #include "trial/places.h"
 #include "trial/product_check.h"
 #include "trial/undo_check.h"
+#include "trial/unknown_name.h"
 
 using installer::Outcome;
 using installer::printable;

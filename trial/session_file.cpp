@@ -3,15 +3,17 @@
 #include <toml++/toml.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 #include "installer/show.h"
 #include "trial/exit_status.h"
-#include "trial/names.h"
+#include "trial/unknown_name.h"
 
 namespace fs = std::filesystem;
 using installer::printable;
@@ -23,6 +25,20 @@ namespace trial {
 
 namespace {
 
+/// What the plug-in reads or writes.
+Texts const known_variables = {"DEFAULT_SEARCH_PATH",
+                               "PATH_STATUS",
+                               "SUPPORTED_VERSION",
+                               "VORN_INSTALL_DIR",
+                               "VORN_INSTALL_SUBDIR",
+                               "WB_INSTALL_SUBDIR",
+                               "WB_INTEGRATION_PATH",
+                               "WB_INTEGRATION_SUPPORTED",
+                               "WB_PREFS",
+                               "WB_PREFS_INST_DIR",
+                               "WORKBENCH_SCRIPT_NAME",
+                               "log_file"};
+
 /// Adds the regular files below `folder`, which lies at `place` in the folder that was named.
 void add_files(fs::path const& folder, fs::path const& place, Texts& files) {
     for (fs::directory_entry const& entry : fs::directory_iterator(folder)) {
@@ -33,6 +49,21 @@ void add_files(fs::path const& folder, fs::path const& place, Texts& files) {
     }
 }
 
+/// What to do where the text is no TOML because of a usual slip in that line, or nothing.
+std::string remedy(std::string const& text, toml::parse_error const& error) {
+    std::istringstream lines(text);
+    std::string line;
+    for (auto number = error.source().begin.line; number != 0; --number) std::getline(lines, line);
+    auto const holds = [&](char const* part) { return line.find(part) != std::string::npos; };
+    if (text.find('\0') != std::string::npos ||
+        error.description().find("utf-8") != std::string::npos)
+        return "; save it as UTF-8";
+    if (line.rfind("[component", 0) == 0) return "; begin each component with [[component]]";
+    if (holds("=") && (holds("\\") || line.find_first_of("'\"") == std::string::npos))
+        return "; a string needs quotes, and single quotes where it holds a backslash";
+    return "";
+}
+
 class Reader {
   public:
     Reader(fs::path const& file, Session& session)
@@ -40,41 +71,52 @@ class Reader {
     }
 
     void read(toml::table const& document) {
-        check_keys(document, {"variables", "component"},
-                   "a session has [variables] and [[component]]");
+        if (document.empty()) throw StartError(file_ + ": the file is empty; " + parts);
+        check_keys(document, {"variables", "component"}, parts);
         if (toml::node const* const variables = document.get("variables")) {
-            require(variables->is_table(), *variables, "variables has to be a table: [variables]");
-            for (auto const& [key, value] : *variables->as_table()) {
-                std::string const name(key);
-                require(is_known_variable(name), value,
-                        printable(unknown_name("variable", name, known_variables)));
-                session_.variables[name] = text(name, value);
-            }
+            if (!variables->is_table())
+                refuse(*variables, "variables has to be a table: [variables]");
+            for (auto const& [key, value] : *variables->as_table())
+                set_variable(place(value), std::string(key), text(key, value));
         }
         if (toml::node const* const list = document.get("component")) {
-            require(list->is_array_of_tables() || (list->is_array() && list->as_array()->empty()),
-                    *list, "component has to be a list of tables: [[component]]");
+            if (!list->is_array_of_tables() && !(list->is_array() && list->as_array()->empty()))
+                refuse(*list, "component has to be a list of tables: [[component]]");
             for (toml::node const& component : *list->as_array())
                 read_component(*component.as_table());
         }
     }
 
+    void set(std::string const& setting) {
+        std::size_t const size = setting.find('=');
+        if (size == 0 || size == std::string::npos)
+            throw StartError("--set " + installer::show(setting) + ": write NAME=VALUE");
+        set_variable("--set: ", setting.substr(0, size),
+                     replaced("--set: ", setting.substr(size + 1)));
+    }
+
   private:
+    void set_variable(std::string const& place, std::string const& name, std::string const& value) {
+        if (std::count(known_variables.begin(), known_variables.end(), name) == 0)
+            throw StartError(place + unknown_name("variable", name, known_variables));
+        session_.variables[name] = value;
+    }
+
     void read_component(toml::table const& table) {
         check_keys(table, {"name", "install_condition", "subdir", "files", "files_from"},
                    "a component has name, install_condition, subdir, files and files_from");
-        require(table.contains("name"), table, "a component needs a name");
+        if (!table.contains("name")) refuse(table, "a component needs a name");
         auto component = std::make_unique<ProductComponent>();
         Texts& files = component->file_provider->files;
         for (auto const& [key, value] : table) {
             if (key == "name") component->name = text(key, value);
             if (key == "subdir") component->subdirectory = text(key, value);
             if (key == "install_condition") {
-                require(value.is_boolean(), value, "install_condition has to be true or false");
+                if (!value.is_boolean()) refuse(value, "install_condition has to be true or false");
                 component->install_condition = value.ref<bool>();
             }
             if (key == "files") {
-                require(value.is_array(), value, "files has to be a list of strings");
+                if (!value.is_array()) refuse(value, "files has to be a list of strings");
                 for (toml::node const& file : *value.as_array()) files.push_back(text(key, file));
             }
         }
@@ -87,53 +129,70 @@ class Reader {
     void add_files_from(toml::node const& folder, Texts& files) {
         auto const listed = static_cast<std::ptrdiff_t>(files.size());
         try {
-            add_files(text("files_from", folder), "", files);
+            add_files(folder_ / text("files_from", folder), "", files);
         } catch (fs::filesystem_error const& error) {
-            require(false, folder,
-                    "files_from: " + error.code().message() + ": " + error.path1().string());
+            refuse(folder, "files_from: " + error.code().message() + ": " + error.path1().string());
         }
         std::sort(files.begin() + listed, files.end());
     }
 
-    void check_keys(toml::table const& table, Texts const& known, char const* hint) {
+    void check_keys(toml::table const& table, Texts const& known, std::string const& hint) const {
         for (auto const& [key, value] : table)
-            require(std::find(known.begin(), known.end(), key) != known.end(), value,
-                    "unknown key " + printable(key) + "; " + hint);
+            if (std::find(known.begin(), known.end(), key) == known.end())
+                refuse(value, "unknown key " + std::string(key) + "; " + hint);
     }
 
-    std::string text(std::string_view key, toml::node const& node) {
-        require(node.is_string(), node, printable(key) + " has to be a string");
-        std::string text = node.ref<std::string>();
-        std::string const placeholder = "${SESSION_DIR}";
-        for (std::size_t at = 0; (at = text.find(placeholder, at)) != std::string::npos;
-             at += folder_.size())
-            text.replace(at, placeholder.size(), folder_);
+    std::string text(std::string_view key, toml::node const& node) const {
+        if (!node.is_string()) refuse(node, std::string(key) + " has to be a string");
+        return replaced(place(node), node.ref<std::string>());
+    }
+
+    /// The text with the folder's path in the place of its name.
+    std::string replaced(std::string const& place, std::string text) const {
+        if (text.find("$SESSION_DIR") != std::string::npos)
+            throw StartError(place + "write ${SESSION_DIR}, with braces");
+        std::string const name = "${SESSION_DIR}", folder = folder_;
+        for (std::size_t at = 0; (at = text.find(name, at)) != std::string::npos;
+             at += folder.size()) {
+            text.replace(at, name.size(), folder);
+            std::size_t const end = at + folder.size();
+            if (end < text.size() && std::isalnum(static_cast<unsigned char>(text[end])) != 0 &&
+                !fs::exists(text.substr(at, text.find_first_of("/ ", end) - at)))
+                throw StartError(place + "write a slash after ${SESSION_DIR}");
+        }
         return text;
     }
 
-    void require(bool is_so, toml::node const& at, std::string const& otherwise) {
-        std::string const line = std::to_string(at.source().begin.line);
-        if (!is_so) throw StartError(file_ + ":" + line + ": " + otherwise);
+    std::string place(toml::node const& node) const {
+        return file_ + ":" + std::to_string(node.source().begin.line) + ": ";
     }
 
+    [[noreturn]] void refuse(toml::node const& node, std::string const& sentence) const {
+        throw StartError(place(node) + sentence);
+    }
+
+    static constexpr char const* parts = "a session has [variables] and [[component]]";
     std::string file_;
-    std::string folder_;
+    fs::path folder_;
     Session& session_;
 };
 
 } // namespace
 
-void read_session_file(std::string const& file, Session& session) {
+void read_session(std::string const& file, Texts const& settings, Session& session) {
     std::ifstream stream(file);
     if (!stream.is_open()) throw StartError(file + ": " + std::strerror(errno));
+    std::string text;
     try {
-        std::string const text{std::istreambuf_iterator<char>(stream), {}};
-        Reader(file, session).read(toml::parse(text, file));
+        text.assign(std::istreambuf_iterator<char>(stream), {});
+        Reader reader(file, session);
+        reader.read(toml::parse(text, file));
+        for (std::string const& setting : settings) reader.set(setting);
     } catch (std::system_error const& error) {
         throw StartError(file + ": " + error.code().message());
     } catch (toml::parse_error const& error) {
         throw StartError(file + ":" + std::to_string(error.source().begin.line) + ": " +
-                         std::string(error.description()));
+                         std::string(error.description()) + remedy(text, error));
     }
 }
 

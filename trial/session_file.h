@@ -1,13 +1,16 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "installer/session.h"
 
 namespace trial {
 
-/// Fills the session with the variables and the components that the TOML file describes. Throws
-/// StartError, naming the file and, where there is one, the line; the session is then of no use.
-void read_session_file(std::string const& file, installer::Session& session);
+/// Fills the session with the variables and the components that the TOML file describes, then with
+/// the settings, each NAME=VALUE, in the place of the file's. Throws StartError, naming the file
+/// and, where there is one, the line; the session is then of no use.
+void read_session(std::string const& file, std::vector<std::string> const& settings,
+                  installer::Session& session);
 
 } // namespace trial

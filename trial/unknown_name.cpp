@@ -1,4 +1,4 @@
-#include "trial/names.h"
+#include "trial/unknown_name.h"
 
 #include <algorithm>
 #include <numeric>
@@ -26,23 +26,6 @@ std::size_t distance(std::string const& one, std::string const& other) {
 }
 
 } // namespace
-
-std::vector<std::string> const known_variables = {"DEFAULT_SEARCH_PATH",
-                                                  "PATH_STATUS",
-                                                  "SUPPORTED_VERSION",
-                                                  "VORN_INSTALL_DIR",
-                                                  "VORN_INSTALL_SUBDIR",
-                                                  "WB_INSTALL_SUBDIR",
-                                                  "WB_INTEGRATION_PATH",
-                                                  "WB_INTEGRATION_SUPPORTED",
-                                                  "WB_PREFS",
-                                                  "WB_PREFS_INST_DIR",
-                                                  "WORKBENCH_SCRIPT_NAME",
-                                                  "log_file"};
-
-bool is_known_variable(std::string const& name) {
-    return std::count(known_variables.begin(), known_variables.end(), name) != 0;
-}
 
 std::string unknown_name(std::string const& kind, std::string const& name,
                          std::vector<std::string> const& known) {
