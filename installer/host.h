@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstdio>
 #include <filesystem>
-#include <fstream>
+#include <map>
+#include <memory>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "installer/outcome.h"
@@ -22,12 +25,17 @@ class CallListener {
     virtual void ends(std::string const& call) = 0;
 };
 
+/// Preferences files by path, free of links; each with its text before it was saved for the first
+/// time and after the last.
+using SavedTexts = std::map<std::string, std::pair<std::string, std::string>>;
+
 /// What the operations in host/ act on. There is one at a time, for most of them get no session.
 struct Host {
     Session session;
-    std::ofstream log; ///< lines go to standard error while it is closed
-    bool has_log_failed = false;
+    /// Lines go to standard error while there is none.
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> log{nullptr, std::fclose};
     Outcome outcome; ///< of the action at work, or of the last one
+    SavedTexts saved_preferences;
     std::string shell = "/bin/sh";
     bool separates_commands = false; ///< into process groups of their own
     std::string action;              ///< its name, for the report; empty for no report

@@ -31,24 +31,40 @@ bool sets_key(std::string const& line, std::string const& key, std::string const
     return key_end != std::string::npos && trimmed(line.substr(0, key_end)) == key;
 }
 
+struct Edited {
+    std::string text;
+    int replaced; ///< lines
+};
+
 /// `text` with `entry` in the place of each line that sets `key`, or behind the last line where
 /// there is none. Line ends stay as they are.
-std::string with_entry(std::string const& text, std::string const& key,
-                       std::string const& separator, std::string const& entry) {
-    std::string result;
-    bool found = false;
+Edited with_entry(std::string const& text, std::string const& key, std::string const& separator,
+                  std::string const& entry) {
+    Edited edited{"", 0};
     for (std::size_t begin = 0; begin < text.size();) {
         std::size_t const end = std::min(text.find('\n', begin), text.size() - 1) + 1;
         std::string const line = text.substr(begin, end - begin);
         begin = end;
         bool const is_entry = sets_key(line, key, separator);
-        result += is_entry ? entry + line.substr(line.find_last_not_of("\r\n") + 1) : line;
-        found = found || is_entry;
+        edited.text += is_entry ? entry + line.substr(line.find_last_not_of("\r\n") + 1) : line;
+        edited.replaced += is_entry;
     }
-    if (found) return result;
+    if (edited.replaced != 0) return edited;
     std::string const line_end = text.find("\r\n") != std::string::npos ? "\r\n" : "\n";
-    if (!result.empty() && result.back() != '\n') result += line_end;
-    return result + entry + line_end;
+    if (!edited.text.empty() && edited.text.back() != '\n') edited.text += line_end;
+    edited.text += entry + line_end;
+    return edited;
+}
+
+/// Other kinds of files are broken so, without anybody noticing.
+void note_number(int replaced, fs::path const& file, std::string const& key, Outcome& outcome) {
+    std::string const name = "the preferences file " + show(file.string());
+    if (replaced == 0)
+        outcome.notes.push_back(name + " had no line that sets " + show(key) +
+                                ", so one was added at the end; is it a file of such lines?");
+    if (replaced > 1)
+        outcome.notes.push_back(name + " had " + std::to_string(replaced) + " lines that set " +
+                                show(key) + ", and all were replaced");
 }
 
 /// Throws std::runtime_error where the file cannot be read, or its key could not be found: a byte
@@ -75,12 +91,15 @@ void save_entry(fs::path const& listed, std::string const& key, std::string cons
 
     fs::path const file = fs::canonical(listed);
     if (!fs::is_regular_file(file)) throw std::runtime_error("it is not a regular file");
-    std::string const text = with_entry(read_text(file), key, separator, entry);
-    replace_file(file, [&](fs::path const& fresh) {
+    std::string const before = read_text(file);
+    auto const [text, replaced] = with_entry(before, key, separator, entry);
+    replace_file(file, [&, &text = text](fs::path const& fresh) {
         if (!(std::ofstream(fresh) << text << std::flush))
             throw std::system_error(errno, std::generic_category());
         copy_attributes(file, fresh, outcome);
     });
+    Host::current().saved_preferences.try_emplace(file, before, "").first->second.second = text;
+    note_number(replaced, listed, key, outcome);
 }
 
 } // namespace

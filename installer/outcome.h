@@ -10,8 +10,6 @@ namespace installer {
 struct Outcome {
     std::vector<std::string> written; ///< the variables that it wrote, in order
     std::set<std::string> read;       ///< the variables that it read
-    std::string output;               ///< of its command; where there is much, the end
-    std::size_t output_size = 0;      ///< of all the output, in bytes
     std::string copy;                 ///< the directory that it had a configuration copied into
 
     std::vector<std::string> failures; ///< in words; the plug-in ignores them

@@ -5,6 +5,8 @@
 
 #include <cerrno>
 #include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <iostream>
@@ -32,22 +34,68 @@ std::string log_line(std::string_view format, va_list arguments) {
     return line += format;
 }
 
-/// Each action opens it again, so this is a failure of the first one alone.
+/// The number of the open stream that the name stands for, or -1.
+int stream_number(std::string const& name) {
+    if (name == "/dev/stdout") return STDOUT_FILENO;
+    if (name == "/dev/stderr") return STDERR_FILENO;
+    std::size_t const digits = name.find_last_not_of("0123456789") + 1;
+    std::string const folder = name.substr(0, digits);
+    bool const is_stream = folder == "/dev/fd/" || folder == "/proc/self/fd/";
+    return is_stream && digits < name.size() ? std::atoi(&name[digits]) : -1;
+}
+
+/// To open a stream's file once more would give it a second position, so that what is written to
+/// one overwrites what was written to the other.
+std::FILE* open_log(std::string const& name) {
+    int const stream = stream_number(name);
+    if (stream == -1) return std::fopen(name.c_str(), "ae");
+    return fdopen(fcntl(stream, F_DUPFD_CLOEXEC, 0), "w");
+}
+
 void fail_log(std::string const& sentence) {
-    Host& host = Host::current();
-    if (!std::exchange(host.has_log_failed, true))
-        host.outcome.fail(sentence + "; its lines go to standard error");
+    Host::current().outcome.fail(sentence + "; its lines go to standard error");
 }
 
 void write_log(std::string const& line) {
-    Host& host = Host::current();
-    if (host.log.is_open()) {
-        if (host.log << line << std::endl) return;
-        host.log.close();
+    auto& log = Host::current().log;
+    if (log) {
+        std::string const text = isatty(fileno(log.get())) == 1 ? printable(line, "\t\n") : line;
+        std::cout.flush(); // which may lead to the same place
+        if (std::fputs((text + '\n').c_str(), log.get()) != EOF && std::fflush(log.get()) == 0)
+            return;
+        log.reset();
         fail_log("the log cannot be written");
     }
     std::cerr << printable(line, "\t\n") << '\n';
 }
+
+/// Prints below the line of a command what it says, line by line, where an action reports.
+class OutputPrinter {
+  public:
+    OutputPrinter() = default;
+    ~OutputPrinter() {
+        if (!line_.empty()) end_line();
+    }
+    OutputPrinter(OutputPrinter const&) = delete;
+    OutputPrinter& operator=(OutputPrinter const&) = delete;
+
+    void print(std::string_view text) {
+        constexpr std::size_t longest = std::size_t{1} << 20; // of a line that does not end
+        for (char const character : text) {
+            if (character != '\n') line_ += character;
+            if (character == '\n' || line_.size() == longest) end_line();
+        }
+        std::cout.flush();
+    }
+
+  private:
+    void end_line() {
+        if (!Host::current().action.empty()) std::cout << "    " << printable(line_, "\t") << '\n';
+        line_.clear();
+    }
+
+    std::string line_;
+};
 
 void set_variable(session_t* session, std::string const& name, std::string const& value) {
     auto const set = [&] {
@@ -76,15 +124,14 @@ void env_set_string(session_t* session, std::string const& name, std::string con
 }
 
 int log_init(char const* file, logging_state_t**) {
-    auto const open_log = [&] {
-        Host& host = Host::current();
-        host.log = std::ofstream();
-        if (*file) host.log.open(file, std::ios::app);
-        if (*file && !host.log.is_open())
+    auto const open = [&] {
+        auto& log = Host::current().log;
+        log.reset(*file ? open_log(file) : nullptr);
+        if (*file && !log)
             fail_log("the log " + show(file) + " cannot be opened (" + std::strerror(errno) + ")");
         return 0;
     };
-    return host_call(open_log, "log_init", file);
+    return host_call(open, "log_init", file);
 }
 
 void print_log(char const* format, ...) {
@@ -132,13 +179,14 @@ std::string get_command_output(std::string command, int* status, bool flag, std:
         Host& host = Host::current();
         if (!host.action.empty())
             std::cout << host.action << "\n  runs: " << printable(command) << std::endl;
-        CommandOutcome ended = run_in_shell(host.shell, command, host.separates_commands);
+        OutputPrinter printer;
+        CommandOutcome ended = run_in_shell(host.shell, command, host.separates_commands,
+                                            [&](std::string_view said) { printer.print(said); });
         *status = ended.status;
-        constexpr std::size_t kept = std::size_t{4} << 20;
-        std::size_t const size = ended.output.size();
-        host.outcome.output_size = size;
-        host.outcome.output = ended.output.substr(size > kept ? size - kept : 0);
-        if (ended.status != 0)
+        if (ended.signal != 0)
+            host.outcome.fail("the command " + command + " ended by signal " +
+                              std::to_string(ended.signal) + " (" + strsignal(ended.signal) + ")");
+        else if (ended.status != 0)
             host.outcome.fail("the command " + command + " ended with status " +
                               std::to_string(ended.status));
         return std::move(ended.output);

@@ -29,22 +29,25 @@ namespace {
 }
 
 /// Up to its end, or until one of the signals comes.
-std::string read_all(int input, HeldSignals const& signals) {
+std::string read_all(int input, HeldSignals const& signals,
+                     std::function<void(std::string_view)> const& hear) {
     std::string text;
     std::vector<char> block(std::size_t{1} << 16);
-    ssize_t size = 1;
-    while (size > 0 && !HeldSignals::pending()) {
+    while (!HeldSignals::pending()) {
         if (!signals.wait(input)) continue;
-        size = read(input, block.data(), block.size());
-        if (size > 0) text.append(block.data(), static_cast<std::size_t>(size));
+        ssize_t const size = read(input, block.data(), block.size());
+        if (size <= 0) break;
+        std::string_view const fresh(block.data(), static_cast<std::size_t>(size));
+        text += fresh;
+        hear(fresh);
     }
     return text;
 }
 
 } // namespace
 
-CommandOutcome run_in_shell(std::string const& shell, std::string const& command,
-                            bool in_own_group) {
+CommandOutcome run_in_shell(std::string const& shell, std::string const& command, bool in_own_group,
+                            std::function<void(std::string_view)> const& hear) {
     HeldSignals const signals; // they end the command too
     std::array<int, 2> ends = {-1, -1};
     pid_t const process = pipe2(ends.data(), O_CLOEXEC) == 0 ? fork() : -1;
@@ -64,13 +67,14 @@ CommandOutcome run_in_shell(std::string const& shell, std::string const& command
     };
     std::string output;
     try {
-        output = read_all(ends[0], signals);
+        output = read_all(ends[0], signals, hear);
     } catch (std::bad_alloc const&) {
         finish();
         throw;
     }
     finish();
-    return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), std::move(output)};
+    int const signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    return {signal != 0 ? 128 + signal : WEXITSTATUS(status), signal, std::move(output)};
 }
 
 } // namespace installer

@@ -57,7 +57,7 @@ struct Site : installer::CallListener {
             {"VORN_INSTALL_DIR", product + "/"}, {"VORN_INSTALL_SUBDIR", "/suite/"},
             {"log_file", root + "/log"}, {"WB_PREFS", ".prefs"}, {"WB_PREFS_INST_DIR", "home"}};
         // clang-format on
-        host.log.open(root + "/log", std::ios::app);
+        host.log.reset(std::fopen((root + "/log").c_str(), "a"));
         add_component("workbench", {"part\\" + configuration + "\\a.prefs"});
     }
     ~Site() override {

@@ -1,11 +1,15 @@
 #include "trial/check.h"
 
+#include <fnmatch.h>
 #include <spawn.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <set>
 
 #include "installer/signals.h"
@@ -13,14 +17,33 @@
 #include "trial/places.h"
 #include "trial/preview.h"
 #include "trial/product_check.h"
+#include "trial/undo_check.h"
 
 namespace fs = std::filesystem;
 using installer::Session;
 using sandbox::Change;
+using Texts = std::vector<std::string>;
 
 namespace trial {
 
 namespace {
+
+std::string brief(Change const& change) {
+    return change.letter + (" " + change.path);
+}
+
+/// The first three, and how many more there are.
+std::string first_of(Texts const& changes) {
+    std::string list;
+    for (std::size_t number = 0; number < changes.size() && number < 3; ++number)
+        list += (number == 0 ? "" : ", ") + changes[number];
+    return list +
+           (changes.size() > 3 ? " and " + std::to_string(changes.size() - 3) + " more" : "");
+}
+
+std::string text_of(fs::path const& file) {
+    return {std::istreambuf_iterator<char>(std::ifstream(file).rdbuf()), {}};
+}
 
 /// Installs, uninstalls and judges.
 class Check {
@@ -34,7 +57,7 @@ class Check {
 
     void run(ChangeReport const& changes) {
         sequence_.install();
-        changes.show("changed by the install");
+        changes.show("changed by the install", changes.find());
         if (!sequence_.has_integrated()) {
             if (!report_.has_failed()) fail("nothing was checked, for nothing was integrated");
             return;
@@ -42,33 +65,71 @@ class Check {
         sequence_.call("perform_deintegration");
         for (std::string const& process : sandbox::left_running())
             fail("still running after the uninstall: " + process);
-        judge(changes.show("left by the uninstall"));
+        judge(changes);
     }
 
     Places const& places() const { return places_; }
 
   private:
-    void judge(std::vector<Change> const& left) {
-        bool in_workbench = false, in_product = false, elsewhere = false;
+    void judge(ChangeReport const& changes) {
+        Texts remarks, in_workbench, in_product, elsewhere;
+        std::vector<Change> const left = left_unexpectedly(changes, remarks);
+        changes.show("left by the uninstall", left, remarks);
         for (Change const& change : left) {
-            if (places_.is_in_workbench(change.path)) in_workbench = true;
-            else if (!places_.is_in_product(change.path)) elsewhere = true;
-            else if (!is_by_design(change)) in_product = true;
+            if (places_.is_in_workbench(change.path)) in_workbench.push_back(brief(change));
+            else if (places_.is_in_product(change.path)) in_product.push_back(brief(change));
+            else elsewhere.push_back(brief(change));
         }
-        if (in_workbench) fail("the uninstall leaves the workbench changed");
+        if (!in_workbench.empty())
+            fail("the uninstall leaves the workbench changed: " + first_of(in_workbench));
         else if (!places_.workbench.empty()) report_.success("The workbench is as it was.");
-        if (elsewhere) fail("the uninstall leaves changes beside the workbench and the product");
-        if (in_product)
-            report_.note("the uninstall leaves the product changed, and not only its "
-                         "de-integration script and preferences files");
+        if (!elsewhere.empty())
+            fail("the uninstall leaves changes beside the workbench and the product: " +
+                 first_of(elsewhere));
+        if (!in_product.empty())
+            report_.note("the uninstall leaves the product changed: " + first_of(in_product));
     }
 
-    /// Whether it is the de-integration script, or the text of a preferences file.
-    bool is_by_design(Change const& change) const {
-        std::string const preferences = session_.value("WB_PREFS");
-        return change.path == fs::weakly_canonical(deintegration_script(session_)) ||
-               (change.letter == 'M' && change.detail.empty() && !preferences.empty() &&
-                change.path.find(preferences) != std::string::npos);
+    /// What does not count becomes a remark: what is left by design, and what is ignored.
+    std::vector<Change> left_unexpectedly(ChangeReport const& changes, Texts& remarks) const {
+        std::vector<Change> left;
+        std::string by_design;
+        int preferences_files = 0;
+        for (Change const& change : changes.find()) {
+            if (places_.is_in_workbench(change.path)) left.push_back(change);
+            else if (is_whole_script(change)) by_design = "the de-integration script";
+            else if (has_only_location(change, changes)) ++preferences_files;
+            else if (is_ignored(change)) remarks.push_back("ignored: " + brief(change));
+            else left.push_back(change);
+        }
+        if (preferences_files != 0)
+            by_design += (by_design.empty() ? "" : ", ") + std::string("the location in ") +
+                         std::to_string(preferences_files) + " preferences file" +
+                         (preferences_files == 1 ? "" : "s");
+        if (!by_design.empty()) remarks.insert(remarks.begin(), "by design: " + by_design);
+        return left;
+    }
+
+    bool is_whole_script(Change const& change) const {
+        return change.path == fs::weakly_canonical(deintegration_script(session_)) &&
+               !copy_to_be_undone(session_).empty();
+    }
+
+    /// Whether nothing but the host changed the file, where it set the product's location.
+    bool has_only_location(Change const& change, ChangeReport const& changes) const {
+        auto const saved = sequence_.saved_preferences().find(change.path);
+        return saved != sequence_.saved_preferences().end() && change.letter == 'M' &&
+               change.detail.empty() &&
+               saved->second.first == text_of(changes.before(change.path)) &&
+               saved->second.second == text_of(change.path);
+    }
+
+    bool is_ignored(Change const& change) const {
+        return std::any_of(session_.ignored.begin(), session_.ignored.end(),
+                           [&](std::string const& pattern) {
+                               return fnmatch(pattern.c_str(), change.path.c_str(),
+                                              FNM_PATHNAME | FNM_LEADING_DIR) == 0;
+                           });
     }
 
     void fail(std::string const& sentence) { report_.failure("check", sentence); }

@@ -30,7 +30,9 @@ ExitStatus status_or_error(std::function<ExitStatus()> const& work) {
         std::string const advice = "; where the disk may change, use wb-trial check --no-sandbox";
         return print(StartError(error.what() + advice), not_started);
     } catch (std::exception const& error) {
-        return print(error, something_failed);
+        print(error, something_failed);
+        std::cout << "failed" << std::endl;
+        return something_failed;
     }
 }
 

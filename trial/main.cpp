@@ -10,6 +10,7 @@
 #include "trial/exit_status.h"
 #include "trial/plugin.h"
 #include "trial/preview.h"
+#include "trial/product_check.h"
 #include "trial/sequence.h"
 #include "trial/session_file.h"
 #include "trial/unknown_name.h"
@@ -25,7 +26,7 @@ Texts const actions(action_names.begin(), action_names.end());
 struct Arguments {
     std::string command, session_file, plugin_file;
     Texts actions, settings;
-    bool trace = false, preview = false, no_sandbox = false;
+    bool trace = false, strict = false, preview = false, no_sandbox = false;
 };
 
 /// The options that may stand before the command, and after it.
@@ -37,6 +38,7 @@ void declare_common_options(CLI::App& app, Arguments& arguments) {
                                          "Set or override a session variable (repeatable)")
         ->type_name("NAME=VALUE")
         ->trigger_on_parse();
+    app.add_flag("--strict", arguments.strict, "Count a warning as a failure");
     app.add_option("--plugin", arguments.plugin_file,
                    "Use this library, not the bundled one; it has to be built for the headers in "
                    "this project's host/")
@@ -90,10 +92,11 @@ ExitStatus execute(Arguments const& arguments) {
     read_session(arguments.session_file, arguments.settings, host.session);
     std::string const& file = arguments.plugin_file;
     Plugin const plugin(file.empty() ? bundled_plugin().string() : file);
-    Report report;
+    Report report(arguments.strict);
     Sequence sequence(host, plugin, report);
 
     std::string const& command = arguments.command;
+    if (command != "run") require_product(host.session);
     if (command == "check")
         return (arguments.no_sandbox ? check_without_sandbox : check)(host.session, sequence,
                                                                       report);

@@ -29,7 +29,7 @@ fs::path log_folder(fs::path const& log) {
 }
 
 /// Says what cannot change, and names the commands a temporary directory that can.
-void adapt_to(sandbox::Inside const& inside, std::string const& temporary, Report const& report) {
+void adapt_to(sandbox::Inside const& inside, std::string const& temporary, Report& report) {
     std::set<fs::path> told;
     for (auto const& [directory, mount] : inside.obstacles)
         if (told.insert(mount).second)
@@ -48,16 +48,24 @@ void adapt_to(sandbox::Inside const& inside, std::string const& temporary, Repor
 
 } // namespace
 
-std::vector<Change> ChangeReport::show(std::string const& title) const {
-    std::vector<Change> changes = sandbox::find_changes(directories_, log_);
+void ChangeReport::show(std::string const& title, std::vector<Change> changes,
+                        std::vector<std::string> const& remarks) const {
     for (Change& change : changes)
         if (!change.difference.empty() && is_secret(change.path)) {
             change.detail +=
                 (change.detail.empty() ? "" : ", ") + std::string("text that others cannot read");
             change.difference.clear();
         }
-    report_.changes(title, changes);
-    return changes;
+    report_.changes(title, changes, remarks);
+}
+
+fs::path ChangeReport::before(fs::path const& file) const {
+    fs::path original;
+    for (sandbox::Watched const& watched : directories_) { // the innermost is the last one
+        fs::path const inside = file.lexically_relative(watched.directory);
+        if (*inside.begin() != "..") original = watched.before / inside;
+    }
+    return original;
 }
 
 bool ChangeReport::is_secret(std::string const& path) const {
@@ -67,7 +75,7 @@ bool ChangeReport::is_secret(std::string const& path) const {
     return !is_sessions && (rights & fs::perms::others_read) == fs::perms::none;
 }
 
-ExitStatus run_in_sandbox(Session const& session, Report const& report,
+ExitStatus run_in_sandbox(Session const& session, Report& report,
                           std::function<void(ChangeReport const&)> const& work) {
     std::string const temporary = environment("TMPDIR", "/tmp");
     fs::path const workbench = workbench_directory(session), product = product_directory(session);
@@ -87,11 +95,11 @@ ExitStatus run_in_sandbox(Session const& session, Report const& report,
     return ExitStatus(sandbox::run(named, run_and_report));
 }
 
-ExitStatus preview(Session const& session, Report const& report, std::string const& title,
+ExitStatus preview(Session const& session, Report& report, std::string const& title,
                    std::function<void()> const& work) {
     return run_in_sandbox(session, report, [&](ChangeReport const& changes) {
         work();
-        changes.show(title);
+        changes.show(title, changes.find());
         for (std::string const& process : sandbox::left_running())
             report.note("still running: " + process);
     });

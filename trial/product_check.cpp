@@ -9,6 +9,7 @@
 
 #include "installer/files.h"
 #include "installer/show.h"
+#include "trial/exit_status.h"
 #include "trial/places.h"
 #include "trial/undo_check.h"
 #include "trial/unknown_name.h"
@@ -85,22 +86,12 @@ bool is_to_be_replaced(std::string const& path) {
     return holds(path, "${") || holds(" " + path, " ~");
 }
 
-/// What an integration will take the place of, or take part in.
-Texts other_integrations(Session const& session) {
-    Texts sentences;
-    fs::path const copy = copy_directory(session);
+/// Where this product is integrated elsewhere, or nothing.
+std::string find_earlier_copy(Session const& session) {
     std::string const earlier = copy_to_be_undone(session);
-    if (is_same_place(earlier, copy)) return {};
-    if (!names_in(copy).empty())
-        sentences.push_back(show(copy.string()) +
-                            " is there, and not by this product, for no script of it names that. "
-                            "If it is another product's, the next uninstall would remove both; "
-                            "give yours a name of its own. If an earlier try left it, remove it");
-    if (is_there(earlier))
-        sentences.push_back("this product is integrated as " + show(earlier) +
-                            "; uninstall that first, for its de-integration script will be "
-                            "replaced");
-    return sentences;
+    if (is_same_place(earlier, copy_directory(session)) || !is_there(earlier)) return "";
+    return "this product is integrated as " + show(earlier) +
+           "; uninstall that first, for its de-integration script will be replaced";
 }
 
 class ProductCheck {
@@ -122,8 +113,7 @@ class ProductCheck {
 
   private:
     void check_paths() {
-        for (char const* const name :
-             {"DEFAULT_SEARCH_PATH", "WB_INTEGRATION_PATH", "VORN_INSTALL_DIR", "log_file"}) {
+        for (char const* const name : {"DEFAULT_SEARCH_PATH", "WB_INTEGRATION_PATH", "log_file"}) {
             std::string const value = session_.value(name);
             if (is_to_be_replaced(value))
                 add(std::string(name) + " is " + show(value) +
@@ -143,12 +133,6 @@ class ProductCheck {
     }
 
     void check_product() {
-        std::string const directory = session_.value("VORN_INSTALL_DIR");
-        if (!directory.empty() && !is_there(directory)) {
-            if (!is_to_be_replaced(directory))
-                add("VORN_INSTALL_DIR is " + show(directory) + ", which is not there");
-            return;
-        }
         check_joined("VORN_INSTALL_SUBDIR", session_.value("VORN_INSTALL_SUBDIR"),
                      " Only for the location in preferences files a slash is put there.");
         if (!for_workbench_.empty()) check_joined("subdir", for_workbench_[0]->subdirectory, "");
@@ -197,25 +181,23 @@ class ProductCheck {
                 "; its name has to be wr-qev- and four characters, for what follows can become "
                 "part of it");
         if (is_there(part + "/" + name)) check_scripts(part + "/" + name + "/wr-setup/");
-        for (std::string const& sentence : other_integrations(session_)) add(sentence);
+        if (std::string const earlier = find_earlier_copy(session_); !earlier.empty()) add(earlier);
     }
 
+    /// A missing uninstall script is a failure later, when the copy has none.
     void check_scripts(std::string const& directory) {
-        std::string const setup = session_.value("WORKBENCH_SCRIPT_NAME");
-        for (auto const& [name, hint] :
-             {std::pair(setup + ".sh",
-                        setup.empty() ? "WORKBENCH_SCRIPT_NAME is not set"
-                                      : "WORKBENCH_SCRIPT_NAME has to be the name of one of them, "
-                                        "written without .sh"),
-              {"uninst_wr_qev.sh", "without it, nothing undoes what the setup script does"}}) {
-            std::string const script = directory + name;
-            std::string const fault = fault_of_first_line(script);
-            if (!is_there(script))
-                add("there is no " + show(name) + " in " + show(directory) + ", but " +
-                    enumerated(names_in(directory)) + "; " + hint);
-            else if (!is_executable(script)) add(show(script) + " is not executable; chmod +x it");
-            if (!fault.empty()) add(show(script) + " " + fault);
-        }
+        std::string const name = session_.value("WORKBENCH_SCRIPT_NAME");
+        std::string const setup = directory + name + ".sh";
+        if (!is_there(setup))
+            add("there is no " + show(name + ".sh") + " in " + show(directory) + ", but " +
+                enumerated(names_in(directory)) + "; " +
+                (name.empty() ? "WORKBENCH_SCRIPT_NAME is not set"
+                              : "WORKBENCH_SCRIPT_NAME has to be the name of one of them, "
+                                "written without .sh"));
+        else if (!is_executable(setup)) add(show(setup) + " is not executable; chmod +x it");
+        for (std::string const& script : {setup, directory + "uninst_wr_qev.sh"})
+            if (std::string const fault = fault_of_first_line(script); !fault.empty())
+                add(show(script) + " " + fault);
     }
 
     void check_preferences() {
@@ -250,12 +232,33 @@ Texts find_mistakes(Session const& session) {
     return ProductCheck(session).find();
 }
 
+std::string find_other_copy(Session const& session) {
+    fs::path const copy = copy_directory(session);
+    if (names_in(copy).empty() || is_same_place(copy_to_be_undone(session), copy)) return "";
+    return show(copy.string()) +
+           " is there, and not by this product, for no script of it names that. If it is another "
+           "product's, the next uninstall would remove both; give yours a name of its own. If an "
+           "earlier try left it, remove it";
+}
+
 std::string find_integration(Session const& session) {
-    for (std::string const& sentence : other_integrations(session)) return sentence;
+    for (std::string const& sentence : {find_other_copy(session), find_earlier_copy(session)})
+        if (!sentence.empty()) return sentence;
     fs::path const copy = copy_directory(session);
     if (names_in(copy).empty()) return "";
     return "the workbench holds an earlier integration already, " + show(copy.string()) +
            "; uninstall that first, then check again";
+}
+
+void require_product(Session const& session) {
+    std::string const directory = session.value("VORN_INSTALL_DIR");
+    std::error_code unreachable;
+    if (directory.empty() || fs::is_directory(directory, unreachable)) return;
+    throw StartError("VORN_INSTALL_DIR is " + show(directory) + ", which is " +
+                     (is_there(directory) ? "no directory"
+                      : is_to_be_replaced(directory)
+                          ? "not there; nothing but ${SESSION_DIR} is replaced in it"
+                          : "not there"));
 }
 
 } // namespace trial

@@ -14,4 +14,10 @@ std::vector<std::string> find_mistakes(installer::Session const& session);
 /// The first integration that is there already, with what to do, or nothing. Only looks.
 std::string find_integration(installer::Session const& session);
 
+/// What another product has in the place of the copy, with what to do, or nothing. Only looks.
+std::string find_other_copy(installer::Session const& session);
+
+/// Throws StartError where the product's directory is none.
+void require_product(installer::Session const& session);
+
 } // namespace trial

@@ -12,7 +12,6 @@
 #include "trial/unknown_name.h"
 
 using installer::Outcome;
-using installer::printable;
 using installer::Session;
 using installer::show;
 using Texts = std::vector<std::string>;
@@ -80,12 +79,16 @@ std::string why_not_begun(Session const& session) {
 void Sequence::install() {
     for (std::string const& mistake : find_mistakes(host_.session)) report_.warning(mistake);
     choose_workbench();
-    if (host_.session.value("PATH_STATUS") != "ok") {
-        std::string const reason = explanation(host_.session);
-        std::cout << "Stopped: " << reason << ".\n";
-        return report_.remember("validate_wb_path", reason);
-    }
-    integrate();
+    if (host_.session.value("PATH_STATUS") != "ok")
+        return report_.stop("validate_wb_path", explanation(host_.session));
+    call("find_wb_components");
+    bool const has_component = host_.session.value("WB_INTEGRATION_SUPPORTED") == "yes";
+    std::string const other = find_other_copy(host_.session);
+    if (has_component && !other.empty()) return report_.stop("perform_integration", other);
+    if (has_component) call("perform_integration");
+    else
+        std::cout << "Nothing to integrate: no component to be installed has \"workbench\" in its "
+                     "name.\n";
     call("init_wb_prefs");
 }
 
@@ -117,21 +120,11 @@ void Sequence::choose_workbench() {
     call("validate_wb_path");
 }
 
-void Sequence::integrate() {
-    call("find_wb_components");
-    if (host_.session.value("WB_INTEGRATION_SUPPORTED") == "yes")
-        return call("perform_integration");
-    std::cout << "Nothing to integrate: no component to be installed has \"workbench\" in its "
-                 "name.\n";
-}
-
 int Sequence::call_plugin(std::string const& action) {
     host_.action = action;
     try {
         int const result = plugin_.action(action)(&host_.session);
         std::cout << action << " returned " << result << '\n';
-        bool const is_hostcheck = host_.session.variables.count("HOSTCHECK_VALUE") != 0;
-        if (is_hostcheck) host_.outcome = {}; // operations fail there on purpose; the result counts
         return result;
     } catch (std::exception const& error) {
         std::cout << action << " did not return\n";
@@ -140,27 +133,21 @@ int Sequence::call_plugin(std::string const& action) {
     }
 }
 
-void Sequence::print(std::string const& action, Outcome const& outcome) const {
+bool Sequence::may_be_left_out(std::string const& name) const {
+    return name == "log_file" || name == "WB_PREFS" || name == "VORN_INSTALL_SUBDIR" ||
+           (name == "DEFAULT_SEARCH_PATH" && !choice_.empty());
+}
+
+void Sequence::print(std::string const& action, Outcome const& outcome) {
+    std::string const internal = "WB_INSTALL_SUBDIR"; // from one action to the next
     for (std::string const& name : outcome.written)
-        std::cout << "  " << name << " = " << show(host_.session.value(name)) << '\n';
-    if (!outcome.output.empty()) {
-        std::cout << "  its command said";
-        if (outcome.output.size() < outcome.output_size)
-            std::cout << " " << outcome.output_size << " bytes, of which the last "
-                      << outcome.output.size() << " were";
-        std::cout << ":\n";
-        std::istringstream lines(outcome.output);
-        for (std::string line; std::getline(lines, line);)
-            std::cout << "    " << printable(line, "\t") << '\n';
-    }
-    for (std::string const& name : outcome.read) {
-        bool const is_needless = name == "DEFAULT_SEARCH_PATH" && !choice_.empty();
-        if (host_.session.variables.count(name) == 0 && !is_needless)
-            report_.warning(
-                name + " was read and is not set" +
-                    (name == "WB_INSTALL_SUBDIR" ? "; run find_wb_components first" : ""),
-                "  ");
-    }
+        if (name != internal)
+            std::cout << "  " << name << " = " << show(host_.session.value(name)) << '\n';
+    for (std::string const& name : outcome.read)
+        if (host_.session.variables.count(name) == 0 && !may_be_left_out(name))
+            report_.warning(name + " was read and is not set" +
+                                (name == internal ? "; run find_wb_components first" : ""),
+                            "  ");
     for (std::string const& note : outcome.notes) report_.note(note, "  ");
     for (std::string const& failure : outcome.failures) report_.failure(action, failure, "  ");
     std::cout.flush();

@@ -21,12 +21,13 @@ class Sequence {
 
     /// Whether an action has begun to change a workbench.
     bool has_integrated() const { return has_integrated_; }
+    installer::SavedTexts const& saved_preferences() const { return host_.saved_preferences; }
 
   private:
     void choose_workbench();
-    void integrate();
     int call_plugin(std::string const& action);
-    void print(std::string const& action, installer::Outcome const& outcome) const;
+    bool may_be_left_out(std::string const& variable) const;
+    void print(std::string const& action, installer::Outcome const& outcome);
 
     installer::Host& host_;
     Plugin const& plugin_;

@@ -19,6 +19,7 @@ namespace fs = std::filesystem;
 using installer::printable;
 using installer::ProductComponent;
 using installer::Session;
+using installer::show;
 using Texts = std::vector<std::string>;
 
 namespace trial {
@@ -72,7 +73,13 @@ class Reader {
 
     void read(toml::table const& document) {
         if (document.empty()) throw StartError(file_ + ": the file is empty; " + parts);
-        check_keys(document, {"variables", "component"}, parts);
+        check_keys(document, {"ignore", "variables", "component"}, parts);
+        if (toml::node const* const patterns = document.get("ignore")) {
+            session_.ignored = texts("ignore", *patterns);
+            for (std::string const& pattern : session_.ignored)
+                if (pattern[0] != '/')
+                    refuse(*patterns, "ignore: write " + show(pattern) + " from the root");
+        }
         if (toml::node const* const variables = document.get("variables")) {
             if (!variables->is_table())
                 refuse(*variables, "variables has to be a table: [variables]");
@@ -115,10 +122,7 @@ class Reader {
                 if (!value.is_boolean()) refuse(value, "install_condition has to be true or false");
                 component->install_condition = value.ref<bool>();
             }
-            if (key == "files") {
-                if (!value.is_array()) refuse(value, "files has to be a list of strings");
-                for (toml::node const& file : *value.as_array()) files.push_back(text(key, file));
-            }
+            if (key == "files") files = texts(key, value);
         }
         if (toml::node const* const folder = table.get("files_from"))
             add_files_from(*folder, files);
@@ -140,6 +144,13 @@ class Reader {
         for (auto const& [key, value] : table)
             if (std::find(known.begin(), known.end(), key) == known.end())
                 refuse(value, "unknown key " + std::string(key) + "; " + hint);
+    }
+
+    Texts texts(std::string_view key, toml::node const& list) const {
+        if (!list.is_array()) refuse(list, std::string(key) + " has to be a list of strings");
+        Texts texts;
+        for (toml::node const& node : *list.as_array()) texts.push_back(text(key, node));
+        return texts;
     }
 
     std::string text(std::string_view key, toml::node const& node) const {
