@@ -69,6 +69,13 @@ void write_log(std::string const& line) {
     std::cerr << printable(line, "\t\n") << '\n';
 }
 
+/// Where a signal ends its command, a shell adds 128.
+std::string how_it_ended(int status) {
+    char const* const signal = sigdescr_np(status - 128);
+    return signal ? " ended by signal " + std::to_string(status - 128) + " (" + signal + ")"
+                  : " ended with status " + std::to_string(status);
+}
+
 /// Prints below the line of a command what it says, line by line, where an action reports.
 class OutputPrinter {
   public:
@@ -183,12 +190,8 @@ std::string get_command_output(std::string command, int* status, bool flag, std:
         CommandOutcome ended = run_in_shell(host.shell, command, host.separates_commands,
                                             [&](std::string_view said) { printer.print(said); });
         *status = ended.status;
-        if (ended.signal != 0)
-            host.outcome.fail("the command " + command + " ended by signal " +
-                              std::to_string(ended.signal) + " (" + strsignal(ended.signal) + ")");
-        else if (ended.status != 0)
-            host.outcome.fail("the command " + command + " ended with status " +
-                              std::to_string(ended.status));
+        if (ended.status != 0)
+            host.outcome.fail("the command " + command + how_it_ended(ended.status));
         return std::move(ended.output);
     };
     return host_call(run, "get_command_output", command, *status, flag, text);

@@ -73,8 +73,7 @@ CommandOutcome run_in_shell(std::string const& shell, std::string const& command
         throw;
     }
     finish();
-    int const signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
-    return {signal != 0 ? 128 + signal : WEXITSTATUS(status), signal, std::move(output)};
+    return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), std::move(output)};
 }
 
 } // namespace installer

@@ -8,7 +8,6 @@ namespace installer {
 
 struct CommandOutcome {
     int status; ///< the exit code, or 128 + the signal that ended the command
-    int signal; ///< that one, or 0
     std::string output;
 };
 

@@ -120,7 +120,7 @@ void Report::list(char const* color, std::string const& title,
 ExitStatus Report::finish() const {
     std::string const warnings = counted(warnings_.size(), "warning");
     bool const counts_warnings = is_strict_ && !warnings_.empty();
-    list(yellow, warnings + (counts_warnings ? ", counted as failures" : ""), warnings_);
+    list(yellow, warnings + (counts_warnings ? ", counted by --strict" : ""), warnings_);
     list(red, counted(failures_.size(), "failure"), failures_);
     bool const has_passed = !has_failed() && !counts_warnings;
     if (!has_passed) print(red, "failed", "");

@@ -83,6 +83,7 @@ class Reader {
         if (toml::node const* const variables = document.get("variables")) {
             if (!variables->is_table())
                 refuse(*variables, "variables has to be a table: [variables]");
+            require_no_patterns(*variables->as_table());
             for (auto const& [key, value] : *variables->as_table())
                 set_variable(place(value), std::string(key), text(key, value));
         }
@@ -109,7 +110,14 @@ class Reader {
         session_.variables[name] = value;
     }
 
+    /// What stands below a table's name belongs to it.
+    void require_no_patterns(toml::table const& table) const {
+        if (toml::node const* const patterns = table.get("ignore"))
+            refuse(*patterns, "ignore has to stand above [variables] and [[component]]");
+    }
+
     void read_component(toml::table const& table) {
+        require_no_patterns(table);
         check_keys(table, {"name", "install_condition", "subdir", "files", "files_from"},
                    "a component has name, install_condition, subdir, files and files_from");
         if (!table.contains("name")) refuse(table, "a component needs a name");
