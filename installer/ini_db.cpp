@@ -37,11 +37,12 @@ struct Edited {
 };
 
 /// `text` with `entry` in the place of each line that sets `key`, or behind the last line where
-/// there is none. Line ends stay as they are.
+/// there is none. Line ends and a byte order mark stay as they are.
 Edited with_entry(std::string const& text, std::string const& key, std::string const& separator,
                   std::string const& entry) {
-    Edited edited{"", 0};
-    for (std::size_t begin = 0; begin < text.size();) {
+    std::size_t const mark = text.rfind("\xef\xbb\xbf", 0) == 0 ? 3 : 0;
+    Edited edited{text.substr(0, mark), 0};
+    for (std::size_t begin = mark; begin < text.size();) {
         std::size_t const end = std::min(text.find('\n', begin), text.size() - 1) + 1;
         std::string const line = text.substr(begin, end - begin);
         begin = end;
@@ -51,7 +52,7 @@ Edited with_entry(std::string const& text, std::string const& key, std::string c
     }
     if (edited.replaced != 0) return edited;
     std::string const line_end = text.find("\r\n") != std::string::npos ? "\r\n" : "\n";
-    if (!edited.text.empty() && edited.text.back() != '\n') edited.text += line_end;
+    if (edited.text.size() > mark && edited.text.back() != '\n') edited.text += line_end;
     edited.text += entry + line_end;
     return edited;
 }
@@ -67,17 +68,14 @@ void note_number(int replaced, fs::path const& file, std::string const& key, Out
                                 show(key) + ", and all were replaced");
 }
 
-/// Throws std::runtime_error where the file cannot be read, or its key could not be found: a byte
-/// order mark belongs to the first line, and in UTF-16 there are zero bytes between characters.
+/// Throws std::runtime_error where the file cannot be read, or its key could not be found: in
+/// UTF-16 there are zero bytes between characters.
 std::string read_text(fs::path const& file) {
     std::ifstream stream(file);
     if (!stream.is_open()) throw std::system_error(errno, std::generic_category());
     std::string text{std::istreambuf_iterator<char>(stream), {}};
-    for (char const* const mark : {"\xef\xbb\xbf", "\xff\xfe", "\xfe\xff"})
-        if (text.rfind(mark, 0) == 0)
-            throw std::runtime_error("it begins with a byte order mark; save it without");
     if (text.find('\0') != std::string::npos)
-        throw std::runtime_error("it holds a zero byte; is it UTF-16, or no text?");
+        throw std::runtime_error("it holds a zero byte; is it UTF-16? Then save it as UTF-8");
     return text;
 }
 

@@ -25,6 +25,12 @@ fs::path resolved(fs::path const& name) {
 
 } // namespace
 
+std::string fault_of_directory(fs::path const& path) {
+    std::error_code unreachable;
+    if (fs::is_directory(path, unreachable)) return "";
+    return fs::exists(path, unreachable) ? "is no directory" : "is not there";
+}
+
 std::vector<std::string> search_path(Session const& session) {
     std::vector<std::string> directories;
     std::istringstream list(session.value("DEFAULT_SEARCH_PATH"));
@@ -70,12 +76,19 @@ std::vector<std::string> listed_files(Session const& session) {
 
 Configuration configuration(Session const& session) {
     constexpr std::size_t size = 11; // of the marker and four characters
+    Configuration first;
     for (std::string& listed : listed_files(session)) {
         std::replace(listed.begin(), listed.end(), '\\', '/');
-        std::size_t const begin = listed.find("wr-qev-");
-        if (begin != std::string::npos) return {listed, normalised(listed.substr(begin, size))};
+        std::size_t const begin = listed.find("wr-qev-"), end = listed.find('/', begin);
+        if (begin == std::string::npos) continue;
+        std::string const name = normalised(listed.substr(begin, size));
+        if (first.name.empty()) first = {listed, name, ""};
+        if (name != first.name && end != std::string::npos) {
+            first.other = listed.substr(begin, end - begin);
+            break;
+        }
     }
-    return {};
+    return first;
 }
 
 fs::path copy_directory(Session const& session) {

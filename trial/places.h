@@ -10,6 +10,9 @@
 
 namespace trial {
 
+/// What is wrong with a path that has to lead to a directory, or nothing.
+std::string fault_of_directory(std::filesystem::path const& path);
+
 /// The directories in DEFAULT_SEARCH_PATH, empty ones too.
 std::vector<std::string> search_path(installer::Session const& session);
 
@@ -26,10 +29,10 @@ std::vector<installer::ProductComponent const*>
 installed_components(installer::Session const& session);
 std::vector<std::string> listed_files(installer::Session const& session);
 
-/// The first of them that holds a configuration's name, with slashes, and that name; both empty
-/// where none does.
+/// The first of them that holds a configuration's name, with slashes, and that name; then another
+/// directory that is named so and does not count. Empty where there is none.
 struct Configuration {
-    std::string listed, name;
+    std::string listed, name, other;
 };
 Configuration configuration(installer::Session const& session);
 

@@ -53,13 +53,25 @@ bool is_in_search_path(std::string const& program) {
     return false;
 }
 
-/// Why a system cannot start the script, or nothing.
+/// What is wrong with the beginning of a script that is to be run, or nothing.
 std::string fault_of_first_line(fs::path const& script) {
+    if (fault_of_directory(script).empty()) return "is a directory; it has to be a script";
+    std::ifstream stream(script);
     std::string line;
-    std::getline(std::ifstream(script) >> std::noskipws, line);
+    if (!stream.is_open()) return "";
+    std::getline(stream, line);
+    auto const begins_with = [&](char const* text) { return line.rfind(text, 0) == 0; };
+    if (begins_with("\xff\xfe") || begins_with("\xfe\xff"))
+        return "is in UTF-16, which no interpreter reads; save it as UTF-8";
+    if (holds(line, std::string(1, '\0'))) return ""; // a program and no script
+    if (begins_with("\xef\xbb\xbf"))
+        return "begins with a byte order mark, so its first line names no interpreter and /bin/sh "
+               "runs it; save it without the mark";
     if (!line.empty() && line.back() == '\r')
         return "has lines that end in a carriage return; save it with the line ends of Unix";
-    if (line.compare(0, 2, "#!") != 0) return "";
+    if (!begins_with("#!"))
+        return "has no first line that names its interpreter, so /bin/sh runs it; write one, such "
+               "as #!/bin/sh";
     std::string interpreter, program;
     std::istringstream(line.substr(2)) >> interpreter >> program;
     if (!is_there(interpreter))
@@ -82,8 +94,10 @@ Texts names_in(fs::path const& directory) {
     return names;
 }
 
-bool is_to_be_replaced(std::string const& path) {
-    return holds(path, "${") || holds(" " + path, " ~");
+/// Whether somebody expects that a shell reads it.
+bool is_to_be_replaced(fs::path const& path) {
+    std::string const name = path;
+    return !is_there(path.parent_path()) && (name[0] == '~' || name[0] == '$' || holds(name, "${"));
 }
 
 /// Where this product is integrated elsewhere, or nothing.
@@ -113,18 +127,21 @@ class ProductCheck {
 
   private:
     void check_paths() {
-        for (char const* const name : {"DEFAULT_SEARCH_PATH", "WB_INTEGRATION_PATH", "log_file"}) {
-            std::string const value = session_.value(name);
-            if (is_to_be_replaced(value))
-                add(std::string(name) + " is " + show(value) +
+        std::vector<std::pair<std::string, std::string>> paths;
+        for (char const* const name : {"WB_INTEGRATION_PATH", "log_file"})
+            paths.emplace_back(name, session_.value(name));
+        for (std::string const& directory : search_path(session_))
+            paths.emplace_back("DEFAULT_SEARCH_PATH", directory);
+        for (auto const& [name, path] : paths)
+            if (is_to_be_replaced(path))
+                add(name + " is " + show(path) +
                     ", and nothing but ${SESSION_DIR} is replaced in it; write the path out");
-        }
         if (holds(" " + session_.value("DEFAULT_SEARCH_PATH"), "  "))
             add("DEFAULT_SEARCH_PATH has two blanks in a row, or begins with one; that is an empty "
                 "directory, in which /install.properties would count; write single blanks");
         for (std::string const& directory :
              {workbench_directory(session_), session_.value("VORN_INSTALL_DIR")})
-            if (!directory.empty() && std::string("/~$").find(directory[0]) == std::string::npos)
+            if (!directory.empty() && directory[0] != '/' && !is_to_be_replaced(directory))
                 add(show(directory) + " is relative: the integration can be undone from this "
                                       "folder only; write it from the root");
         fs::path const folder = log_file(session_).parent_path();
@@ -133,22 +150,30 @@ class ProductCheck {
     }
 
     void check_product() {
-        check_joined("VORN_INSTALL_SUBDIR", session_.value("VORN_INSTALL_SUBDIR"),
-                     " Only for the location in preferences files a slash is put there.");
-        if (!for_workbench_.empty()) check_joined("subdir", for_workbench_[0]->subdirectory, "");
+        check_joined("VORN_INSTALL_SUBDIR", session_.value("VORN_INSTALL_SUBDIR"));
+        if (!for_workbench_.empty()) check_joined("subdir", for_workbench_[0]->subdirectory);
         fs::path const folder = fs::path(deintegration_script(session_)).parent_path();
-        if (is_there(folder.parent_path()) && !is_there(folder))
-            add("there is no " + show(folder.string()) +
-                " for the de-integration script; the product has to bring that folder");
+        std::string const fault = fault_of_directory(folder);
+        if (is_there(folder.parent_path()) && !fault.empty())
+            add(show(folder.string()) + " " + fault +
+                "; the product has to bring that directory, for the de-integration script");
     }
 
-    void check_joined(std::string const& name, std::string const& value, char const* more) {
-        std::string const joined = session_.value("VORN_INSTALL_DIR") + value;
-        if (is_there(joined)) return;
-        bool const has_slash = value.empty() || value[0] == '/';
-        add("VORN_INSTALL_DIR and " + name + " make " + show(joined) + ", which is not there; " +
-            (has_slash ? "is it misspelt?"
-                       : "is a slash missing before " + show(value) + "?" + more));
+    void check_joined(std::string const& name, std::string const& value) {
+        std::string const directory = session_.value("VORN_INSTALL_DIR");
+        std::string const subdirectory = session_.value("VORN_INSTALL_SUBDIR");
+        std::string const fault = fault_of_directory(directory + value);
+        if (fault.empty()) return;
+        std::string remedy = "is it misspelt?";
+        for (auto const& [missing, better] :
+             {std::pair("VORN_INSTALL_SUBDIR and a slash", subdirectory + "/" + value),
+              {"a slash", "/" + value},
+              {"VORN_INSTALL_SUBDIR", subdirectory + value}})
+            if (fault_of_directory(directory + better).empty())
+                remedy = std::string("with ") + missing + " between them it is: write " + name +
+                         " = " + show(better);
+        add("VORN_INSTALL_DIR and " + name + " make " + show(directory + value) + ", which " +
+            fault + "; " + remedy);
     }
 
     void check_components() {
@@ -167,9 +192,8 @@ class ProductCheck {
     }
 
     void check_configuration() {
-        auto const [deciding, name] = configuration(session_);
-        if (name.empty())
-            return add("no listed path contains \"wr-qev-\", so there is no configuration");
+        auto const [deciding, name, other] = configuration(session_);
+        if (name.empty()) return check_case();
         std::string const part =
             normalised(session_.value("VORN_INSTALL_DIR") + for_workbench_[0]->subdirectory);
         if (is_there(part) && !is_there(part + "/" + name))
@@ -180,14 +204,28 @@ class ProductCheck {
             add("the configuration is " + show(name) +
                 "; its name has to be wr-qev- and four characters, for what follows can become "
                 "part of it");
-        if (is_there(part + "/" + name)) check_scripts(part + "/" + name + "/wr-setup/");
+        if (!other.empty())
+            add("files of two configurations are listed: " + show(name) +
+                " counts, for it is listed first, and " + show(other) +
+                " does not; is one of them an old version?");
+        if (is_there(part + "/" + name)) check_scripts(part + "/" + name + "/wr-setup");
         if (std::string const earlier = find_earlier_copy(session_); !earlier.empty()) add(earlier);
+    }
+
+    void check_case() {
+        std::string hint;
+        for (std::string const& listed : listed_files(session_))
+            if (hint.empty() && holds(in_lower_case(listed), "wr-qev-"))
+                hint = "; " + show(listed) + " differs in case";
+        add("no listed path contains \"wr-qev-\", so there is no configuration" + hint);
     }
 
     /// A missing uninstall script is a failure later, when the copy has none.
     void check_scripts(std::string const& directory) {
+        if (std::string const fault = fault_of_directory(directory); !fault.empty())
+            return add(show(directory) + " " + fault + "; the two scripts have to be in it");
         std::string const name = session_.value("WORKBENCH_SCRIPT_NAME");
-        std::string const setup = directory + name + ".sh";
+        std::string const setup = directory + "/" + name + ".sh";
         if (!is_there(setup))
             add("there is no " + show(name + ".sh") + " in " + show(directory) + ", but " +
                 enumerated(names_in(directory)) + "; " +
@@ -195,7 +233,7 @@ class ProductCheck {
                               : "WORKBENCH_SCRIPT_NAME has to be the name of one of them, "
                                 "written without .sh"));
         else if (!is_executable(setup)) add(show(setup) + " is not executable; chmod +x it");
-        for (std::string const& script : {setup, directory + "uninst_wr_qev.sh"})
+        for (std::string const& script : {setup, directory + "/uninst_wr_qev.sh"})
             if (std::string const fault = fault_of_first_line(script); !fault.empty())
                 add(show(script) + " " + fault);
     }
@@ -252,13 +290,12 @@ std::string find_integration(Session const& session) {
 
 void require_product(Session const& session) {
     std::string const directory = session.value("VORN_INSTALL_DIR");
-    std::error_code unreachable;
-    if (directory.empty() || fs::is_directory(directory, unreachable)) return;
-    throw StartError("VORN_INSTALL_DIR is " + show(directory) + ", which is " +
-                     (is_there(directory) ? "no directory"
-                      : is_to_be_replaced(directory)
-                          ? "not there; nothing but ${SESSION_DIR} is replaced in it"
-                          : "not there"));
+    std::string const fault = fault_of_directory(directory);
+    if (directory.empty() || fault.empty()) return;
+    throw StartError("VORN_INSTALL_DIR is " + show(directory) + ", which " + fault +
+                     (is_to_be_replaced(directory)
+                          ? "; nothing but ${SESSION_DIR} is replaced in it, so write the path out"
+                          : ""));
 }
 
 } // namespace trial

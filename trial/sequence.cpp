@@ -51,14 +51,24 @@ std::string why_not_supported(std::string const& workbench, std::string const& v
                            : "; end each version in SUPPORTED_VERSION by \";\", without blanks");
 }
 
+/// What to do about a directory that a blank has cut in two.
+std::string remedy_for_blanks(Texts const& directories) {
+    for (std::string const& directory : directories)
+        if (directory[0] != '/')
+            return "; blanks separate them, so name a workbench that has one in its path in "
+                   "WB_INTEGRATION_PATH";
+    return "";
+}
+
 /// Why there is no usable workbench, by the verdict on the one that was chosen.
 std::string explanation(Session const& session) {
     std::string const workbench = session.value("WB_INTEGRATION_PATH");
     std::string const versions = session.value("SUPPORTED_VERSION");
     std::string const status = session.value("PATH_STATUS");
+    Texts const tried = search_path(session);
     if (workbench.empty())
         return "no directory in DEFAULT_SEARCH_PATH holds a file install.properties; tried: " +
-               enumerated(search_path(session));
+               enumerated(tried) + remedy_for_blanks(tried);
     if (status == "undefined" && versions.empty()) return "SUPPORTED_VERSION is empty";
     if (status == "undefined") return show(workbench) + " holds no file install.properties";
     if (status == "unsupported") return why_not_supported(workbench, versions);

@@ -47,13 +47,24 @@ std::string fault(std::string const& script, std::string const& removed, std::st
     std::string const obstacle = why_not_executable(script);
     if (!removed.empty() && is_same_place(removed, copy))
         return obstacle.empty() ? "" : obstacle + "; its mode has to be 0755, its mount not noexec";
-    fs::path const written = is_there ? fs::path(script) : fs::path(script).parent_path();
-    if (access(written.c_str(), W_OK) != 0)
-        return std::string("cannot be written (") + std::strerror(errno) +
-               "); is its folder there and writable?";
+    std::string const folder = fs::path(script).parent_path();
+    std::string const fault_of_folder = fault_of_directory(folder);
+    if (!fault_of_folder.empty())
+        return "cannot be written: " + show(folder) + " " + fault_of_folder;
+    if (access((is_there ? script : folder).c_str(), W_OK) != 0)
+        return std::string("cannot be written (") + std::strerror(errno) + ")";
     if (removed.empty())
         return "is there only in part; is the disk full? Make room and integrate again";
     return "removes " + show(removed) + " and not the copy; integrate again";
+}
+
+/// Why there is no copy to be removed, and what to do.
+std::string why_no_copy(fs::path const& copy) {
+    std::error_code unreachable;
+    if (copy.is_relative()) return "uninstall from the folder from which it was installed";
+    if (fs::exists(copy.parent_path(), unreachable)) return "is it uninstalled already?";
+    return "the workbench was moved or removed. Where it was moved, the product is still "
+           "integrated in it; move it back and uninstall again";
 }
 
 } // namespace
@@ -125,8 +136,7 @@ void check_before_undo(Session const& session, std::string const& copy, Outcome&
         check_uninstall_script(copy, outcome);
     } else {
         outcome.fail("the directory " + show(copy) +
-                     " that the de-integration script removes was not there; was it named from "
-                     "another folder, or is it uninstalled already?");
+                     " that the de-integration script removes was not there; " + why_no_copy(copy));
     }
 }
 
