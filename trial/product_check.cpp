@@ -100,6 +100,25 @@ bool is_to_be_replaced(fs::path const& path) {
     return !is_there(path.parent_path()) && (name[0] == '~' || name[0] == '$' || holds(name, "${"));
 }
 
+/// What is wrong with the directory that VORN_INSTALL_DIR and the value make, or nothing.
+std::string fault_of_joined(Session const& session, std::string const& name,
+                            std::string const& value) {
+    std::string const directory = session.value("VORN_INSTALL_DIR");
+    std::string const subdirectory = session.value("VORN_INSTALL_SUBDIR");
+    std::string const fault = fault_of_directory(directory + value);
+    if (fault.empty()) return "";
+    std::string remedy = "is it misspelt?";
+    for (auto const& [missing, better] :
+         {std::pair("VORN_INSTALL_SUBDIR and a slash", subdirectory + "/" + value),
+          {"a slash", "/" + value},
+          {"VORN_INSTALL_SUBDIR", subdirectory + value}})
+        if (fault_of_directory(directory + better).empty())
+            remedy = std::string("with ") + missing + " between them it is: write " + name + " = " +
+                     show(better);
+    return "VORN_INSTALL_DIR and " + name + " make " + show(directory + value) + ", which " +
+           fault + "; " + remedy;
+}
+
 /// Where this product is integrated elsewhere, or nothing.
 std::string find_earlier_copy(Session const& session) {
     std::string const earlier = copy_to_be_undone(session);
@@ -150,30 +169,16 @@ class ProductCheck {
     }
 
     void check_product() {
-        check_joined("VORN_INSTALL_SUBDIR", session_.value("VORN_INSTALL_SUBDIR"));
-        if (!for_workbench_.empty()) check_joined("subdir", for_workbench_[0]->subdirectory);
+        if (!for_workbench_.empty())
+            if (std::string const fault =
+                    fault_of_joined(session_, "subdir", for_workbench_[0]->subdirectory);
+                !fault.empty())
+                add(fault);
         fs::path const folder = fs::path(deintegration_script(session_)).parent_path();
         std::string const fault = fault_of_directory(folder);
         if (is_there(folder.parent_path()) && !fault.empty())
             add(show(folder.string()) + " " + fault +
                 "; the product has to bring that directory, for the de-integration script");
-    }
-
-    void check_joined(std::string const& name, std::string const& value) {
-        std::string const directory = session_.value("VORN_INSTALL_DIR");
-        std::string const subdirectory = session_.value("VORN_INSTALL_SUBDIR");
-        std::string const fault = fault_of_directory(directory + value);
-        if (fault.empty()) return;
-        std::string remedy = "is it misspelt?";
-        for (auto const& [missing, better] :
-             {std::pair("VORN_INSTALL_SUBDIR and a slash", subdirectory + "/" + value),
-              {"a slash", "/" + value},
-              {"VORN_INSTALL_SUBDIR", subdirectory + value}})
-            if (fault_of_directory(directory + better).empty())
-                remedy = std::string("with ") + missing + " between them it is: write " + name +
-                         " = " + show(better);
-        add("VORN_INSTALL_DIR and " + name + " make " + show(directory + value) + ", which " +
-            fault + "; " + remedy);
     }
 
     void check_components() {
@@ -290,12 +295,15 @@ std::string find_integration(Session const& session) {
 
 void require_product(Session const& session) {
     std::string const directory = session.value("VORN_INSTALL_DIR");
-    std::string const fault = fault_of_directory(directory);
-    if (directory.empty() || fault.empty()) return;
-    throw StartError("VORN_INSTALL_DIR is " + show(directory) + ", which " + fault +
-                     (is_to_be_replaced(directory)
-                          ? "; nothing but ${SESSION_DIR} is replaced in it, so write the path out"
-                          : ""));
+    std::string const subdirectory = session.value("VORN_INSTALL_SUBDIR");
+    std::string fault = fault_of_directory(directory);
+    if (!directory.empty() && !fault.empty())
+        throw StartError("VORN_INSTALL_DIR is " + show(directory) + ", which " + fault +
+                         (is_to_be_replaced(directory) ? "; nothing but ${SESSION_DIR} is replaced "
+                                                         "in it, so write the path out"
+                                                       : ""));
+    fault = fault_of_joined(session, "VORN_INSTALL_SUBDIR", subdirectory);
+    if (!(directory + subdirectory).empty() && !fault.empty()) throw StartError(fault);
 }
 
 } // namespace trial

@@ -17,7 +17,7 @@ std::string find_integration(installer::Session const& session);
 /// What another product has in the place of the copy, with what to do, or nothing. Only looks.
 std::string find_other_copy(installer::Session const& session);
 
-/// Throws StartError where the product's directory is none.
+/// Throws StartError where the product's directory or its sub-directory is not there.
 void require_product(installer::Session const& session);
 
 } // namespace trial
