@@ -57,17 +57,6 @@ Edited with_entry(std::string const& text, std::string const& key, std::string c
     return edited;
 }
 
-/// Other kinds of files are broken so, without anybody noticing.
-void note_number(int replaced, fs::path const& file, std::string const& key, Outcome& outcome) {
-    std::string const name = "the preferences file " + show(file.string());
-    if (replaced == 0)
-        outcome.notes.push_back(name + " had no line that sets " + show(key) +
-                                ", so one was added at the end; is it a file of such lines?");
-    if (replaced > 1)
-        outcome.notes.push_back(name + " had " + std::to_string(replaced) + " lines that set " +
-                                show(key) + ", and all were replaced");
-}
-
 /// Throws std::runtime_error where the file cannot be read, or its key could not be found: in
 /// UTF-16 there are zero bytes between characters.
 std::string read_text(fs::path const& file) {
@@ -97,7 +86,13 @@ void save_entry(fs::path const& listed, std::string const& key, std::string cons
         copy_attributes(file, fresh, outcome);
     });
     Host::current().saved_preferences.try_emplace(file, before, "").first->second.second = text;
-    note_number(replaced, listed, key, outcome);
+    if (replaced == 1) return; // in other kinds of files the entry may break something
+    outcome.notes.push_back("the preferences file " + show(listed.string()) + " had " +
+                            (replaced == 0
+                                 ? "no line that sets " + show(key) +
+                                       ", so one was added at the end; is it a file of such lines?"
+                                 : std::to_string(replaced) + " lines that set " + show(key) +
+                                       ", and all were replaced"));
 }
 
 } // namespace

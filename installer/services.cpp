@@ -76,33 +76,27 @@ std::string how_it_ended(int status) {
                   : " ended with status " + std::to_string(status);
 }
 
-/// Prints below the line of a command what it says, line by line, where an action reports.
-class OutputPrinter {
-  public:
-    OutputPrinter() = default;
-    ~OutputPrinter() {
-        if (!line_.empty()) end_line();
-    }
-    OutputPrinter(OutputPrinter const&) = delete;
-    OutputPrinter& operator=(OutputPrinter const&) = delete;
-
-    void print(std::string_view text) {
-        constexpr std::size_t longest = std::size_t{1} << 20; // of a line that does not end
-        for (char const character : text) {
-            if (character != '\n') line_ += character;
-            if (character == '\n' || line_.size() == longest) end_line();
-        }
-        std::cout.flush();
-    }
-
-  private:
-    void end_line() {
-        if (!Host::current().action.empty()) std::cout << "    " << printable(line_, "\t") << '\n';
-        line_.clear();
-    }
-
-    std::string line_;
-};
+/// Runs the command, and prints below its line what it says, line by line.
+CommandOutcome run_and_print(Host const& host, std::string const& command) {
+    constexpr std::size_t longest = std::size_t{1} << 20; // of a line that does not end
+    bool const is_reported = !host.action.empty();
+    std::string line;
+    auto const end_line = [&] {
+        if (is_reported) std::cout << "    " << printable(line, "\t") << '\n';
+        line.clear();
+    };
+    if (is_reported) std::cout << host.action << "\n  runs: " << printable(command) << std::endl;
+    CommandOutcome outcome =
+        run_in_shell(host.shell, command, host.separates_commands, [&](std::string_view said) {
+            for (char const character : said) {
+                if (character != '\n') line += character;
+                if (character == '\n' || line.size() == longest) end_line();
+            }
+            std::cout.flush();
+        });
+    if (!line.empty()) end_line();
+    return outcome;
+}
 
 void set_variable(session_t* session, std::string const& name, std::string const& value) {
     auto const set = [&] {
@@ -184,11 +178,7 @@ void dir_copy(std::string source, std::string destination) {
 std::string get_command_output(std::string command, int* status, bool flag, std::string text) {
     auto const run = [&] {
         Host& host = Host::current();
-        if (!host.action.empty())
-            std::cout << host.action << "\n  runs: " << printable(command) << std::endl;
-        OutputPrinter printer;
-        CommandOutcome ended = run_in_shell(host.shell, command, host.separates_commands,
-                                            [&](std::string_view said) { printer.print(said); });
+        CommandOutcome ended = run_and_print(host, command);
         *status = ended.status;
         if (ended.status != 0)
             host.outcome.fail("the command " + command + how_it_ended(ended.status));
