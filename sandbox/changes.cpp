@@ -8,14 +8,17 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <iomanip>
 #include <iterator>
 #include <optional>
 #include <set>
 #include <sstream>
+#include <string_view>
+#include <thread>
+#include <tuple>
 
 #include "sandbox/capabilities.h"
 
@@ -27,14 +30,6 @@ namespace {
 
 using Status = struct stat;
 
-/// The status of what lies there, of a link its own, or nothing.
-std::optional<Status> status_of(fs::path const& path) {
-    Status status{};
-    if (lstat(path.c_str(), &status) == 0) return status;
-    if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
-    throw fs::filesystem_error("status", path, std::error_code(errno, std::generic_category()));
-}
-
 std::set<std::string> names_in(fs::path const& directory) {
     std::set<std::string> names;
     for (fs::directory_entry const& entry : fs::directory_iterator(directory))
@@ -44,17 +39,27 @@ std::set<std::string> names_in(fs::path const& directory) {
 
 /// Without those that an overlay keeps its own records in. None where they cannot be read.
 Attributes attributes_of(fs::path const& path) {
+    if (llistxattr(path.c_str(), nullptr, 0) <= 0) return {};
     std::vector<char> names(XATTR_LIST_MAX);
     std::vector<char> value(XATTR_SIZE_MAX);
     ssize_t const size = llistxattr(path.c_str(), names.data(), names.size());
     Attributes attributes;
     for (char const* name = names.data(); name < names.data() + size;
          name += std::strlen(name) + 1) {
-        if (std::string(name).find(".overlay.") != std::string::npos) continue;
+        std::string_view const own(name);
+        if (own.rfind("trusted.overlay.", 0) == 0 || own.rfind("user.overlay.", 0) == 0) continue;
         ssize_t const length = lgetxattr(path.c_str(), name, value.data(), value.size());
         if (length >= 0) attributes[name].assign(value.data(), std::size_t(length));
     }
     return attributes;
+}
+
+/// The record of what lies there, or nothing.
+std::optional<Record> record_of(fs::path const& path) {
+    Status status{};
+    if (lstat(path.c_str(), &status) == 0) return Record{status, attributes_of(path)};
+    if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
+    throw fs::filesystem_error("status", path, std::error_code(errno, std::generic_category()));
 }
 
 /// Those that are not the same, or not in both.
@@ -67,17 +72,10 @@ std::set<std::string> different(Attributes const& before, Attributes const& now)
     return names;
 }
 
-std::string in_units(std::uintmax_t bytes) {
-    if (bytes < 1024) return std::to_string(bytes) + " B";
-    auto amount = static_cast<double>(bytes);
-    char const* unit = "BKMGTPE";
-    while (amount >= 1024) {
-        amount /= 1024;
-        ++unit;
-    }
-    std::ostringstream text;
-    text << std::fixed << std::setprecision(1) << amount << " " << *unit << "iB";
-    return text.str();
+std::string grouped(std::uintmax_t number) {
+    std::string digits = std::to_string(number);
+    for (std::size_t at = digits.size(); at > 3; digits.insert(at, ",")) at -= 3;
+    return digits;
 }
 
 /// The number of files below the directory, and their size, as far as it can be looked into.
@@ -91,28 +89,50 @@ std::string summary(fs::path const& directory) {
         if (type != fs::file_type::directory) ++count;
         if (type == fs::file_type::regular) size += entry.file_size(unreachable);
     }
-    return std::to_string(count) + (count == 1 ? " file, " : " files, ") + in_units(size);
+    return grouped(count) + (count == 1 ? " file, " : " files, ") + grouped(size) + " B";
 }
 
-bool has_same_content(fs::path const& one, fs::path const& other) {
-    using Bytes = std::istreambuf_iterator<char>;
-    std::ifstream first(one);
-    std::ifstream second(other);
-    return first && second && std::equal(Bytes(first), Bytes(), Bytes(second), Bytes());
+/// A file that is open for reading, and for a command to inherit.
+struct File {
+    int const descriptor;
+    explicit File(fs::path const& path) : descriptor(open(path.c_str(), O_RDONLY)) {}
+    ~File() { close(descriptor); }
+    File(File const&) = delete;
+    File& operator=(File const&) = delete;
+};
+
+/// Where the file holds data at or behind `at`, or `end` where only a hole follows.
+off_t next_data(File const& file, off_t at, off_t end) {
+    off_t const data = lseek(file.descriptor, at, SEEK_DATA);
+    if (data == -1) return errno == ENXIO ? end : at;
+    return data;
+}
+
+/// For two files of that size. One that cannot be read is not the same.
+bool has_same_content(fs::path const& one, fs::path const& other, off_t size) {
+    File const first(one), second(other);
+    std::vector<char> block(std::size_t{1} << 17), other_block(block.size());
+    ssize_t count = 0;
+    for (off_t at = 0;; at += count) {
+        at = std::min(next_data(first, at, size), next_data(second, at, size));
+        if (at >= size) return true;
+        count = pread(first.descriptor, block.data(), block.size(), at);
+        if (count <= 0 || pread(second.descriptor, other_block.data(), block.size(), at) != count ||
+            std::memcmp(block.data(), other_block.data(), std::size_t(count)) != 0)
+            return false;
+    }
 }
 
 /// What `diff` says of two text files, but for their names; nothing where they hold other bytes.
 std::string text_difference(fs::path const& old_file, fs::path const& new_file) {
-    int const old_text = open(old_file.c_str(), O_RDONLY); // for diff to inherit
-    int const new_text = open(new_file.c_str(), O_RDONLY);
-    std::string const command = "exec diff -u /proc/self/fd/" + std::to_string(old_text) +
-                                " /proc/self/fd/" + std::to_string(new_text) + " 2>/dev/null";
+    File const old_text(old_file), new_text(new_file);
+    std::string const command = "exec diff -u /proc/self/fd/" +
+                                std::to_string(old_text.descriptor) + " /proc/self/fd/" +
+                                std::to_string(new_text.descriptor) + " 2>/dev/null";
     std::FILE* const diff = popen(command.c_str(), "re");
     std::string output;
     for (int byte = 0; diff && (byte = std::getc(diff)) != EOF;) output += static_cast<char>(byte);
     if (diff) pclose(diff);
-    close(old_text);
-    close(new_text);
     std::size_t const begin = output.find("\n@@");
     return begin == std::string::npos ? "" : output.substr(begin + 1);
 }
@@ -143,6 +163,16 @@ std::vector<std::string> differences(Status const& before, Status const& now) {
     return found;
 }
 
+/// Whether it is what it was, for a change would have another time. One in whole seconds says
+/// nothing: the change may have come in the same second.
+bool is_untouched(Status const& before, Status const& now) {
+    auto const traits = [](Status const& status) {
+        return std::tuple(status.st_dev, status.st_ino, status.st_size, status.st_mode,
+                          status.st_ctim.tv_sec, status.st_ctim.tv_nsec);
+    };
+    return now.st_ctim.tv_nsec != 0 && traits(before) == traits(now);
+}
+
 std::string joined(std::vector<std::string> const& texts) {
     std::string list;
     for (std::string const& text : texts) list += (list.empty() ? "" : ", ") + text;
@@ -159,11 +189,12 @@ class Comparison {
 
     void compare(fs::path const& path) {
         try {
-            auto const before = path.empty() ? watched_.status : status_of(old(path));
-            std::optional<Status> const now = status_of(present(path));
+            std::optional<Record> const before = old_record(path);
+            std::optional<Record> const now = record_of(present(path));
             if (before && now) compare_both(path, *before, *now);
-            else if (before && !(path.empty() && is_removed_outside())) remove(path, *before);
-            else if (now) add('A', path, *now);
+            else if (before && !(path.empty() && is_removed_outside()))
+                report_whole('D', path, before->status, old(path));
+            else if (now) report_whole('A', path, now->status, present(path));
         } catch (std::system_error const& error) {
             std::string const name = present(path);
             changes_.insert({name, {'M', name, "not known: " + error.code().message(), ""}});
@@ -176,21 +207,31 @@ class Comparison {
         return path.empty() ? watched_.directory : watched_.directory / path;
     }
 
+    /// An overlay does not show what lies below it and is a whiteout itself.
+    std::optional<Record> old_record(fs::path const& path) const {
+        auto const known = watched_.records.find(path);
+        if (known != watched_.records.end()) return known->second;
+        std::optional<Record> const record = record_of(old(path));
+        bool const is_whiteout =
+            record && S_ISCHR(record->status.st_mode) && record->status.st_rdev == 0;
+        return is_whiteout && !watched_.upper.empty() ? std::nullopt : record;
+    }
+
     /// Whether somebody else removed the directory on the disk, and so took away what covers it.
     bool is_removed_outside() const {
         Status status{};
         return stat(watched_.before.c_str(), &status) == 0 && status.st_nlink == 0;
     }
 
-    void compare_both(fs::path const& path, Status const& before, Status const& now) {
-        bool const was_directory = S_ISDIR(before.st_mode);
+    void compare_both(fs::path const& path, Record const& old_one, Record const& new_one) {
+        Status const& before = old_one.status;
+        Status const& now = new_one.status;
         if ((before.st_mode & S_IFMT) != (now.st_mode & S_IFMT)) {
-            if (was_directory) remove_contents(path);
-            add('T', path, now);
-            return;
+            if (!S_ISDIR(before.st_mode)) return report_whole('T', path, now, present(path));
+            return report('T', path, now, "was a directory: " + summary(old(path)));
         }
-        compare_itself(path, before, now);
-        if (was_directory) compare_contents(path);
+        if (!is_untouched(before, now)) compare_itself(path, old_one, new_one);
+        if (S_ISDIR(now.st_mode)) compare_contents(path);
     }
 
     void compare_contents(fs::path const& directory) {
@@ -204,54 +245,47 @@ class Comparison {
         // nothing: so one name that is not in the upper layer shows which.
         for (fs::directory_entry const& entry : fs::directory_iterator(old(directory))) {
             fs::path const name = entry.path().filename();
-            if (names.count(name) != 0) continue;
-            if (!status_of(present(directory) / name)) names.merge(names_in(old(directory)));
+            if (names.count(name) != 0 || !old_record(directory / name)) continue;
+            if (!record_of(present(directory) / name)) names.merge(names_in(old(directory)));
             break;
         }
         return names;
     }
 
-    void compare_itself(fs::path const& path, Status const& before, Status const& now) {
-        std::vector<std::string> details = differences(before, now);
-        Attributes const attributes = path.empty() ? watched_.attributes : attributes_of(old(path));
-        for (std::string const& name : different(attributes, attributes_of(present(path))))
+    void compare_itself(fs::path const& path, Record const& before, Record const& now) {
+        std::vector<std::string> details = differences(before.status, now.status);
+        for (std::string const& name : different(before.attributes, now.attributes))
             details.push_back("attribute " + name);
-        if (S_ISLNK(now.st_mode) && fs::read_symlink(old(path)) != fs::read_symlink(present(path)))
+        if (S_ISLNK(now.status.st_mode) &&
+            fs::read_symlink(old(path)) != fs::read_symlink(present(path)))
             details.push_back("link " + fs::read_symlink(old(path)).string() + " -> " +
                               fs::read_symlink(present(path)).string());
-        std::string const text =
-            S_ISREG(now.st_mode) ? compare_content(path, before, now, details) : "";
-        if (!details.empty() || !text.empty()) report('M', path, now, joined(details), text);
+        std::string const text = S_ISREG(now.status.st_mode)
+                                     ? compare_content(path, before.status, now.status, details)
+                                     : "";
+        if (!details.empty() || !text.empty()) report('M', path, now.status, joined(details), text);
     }
 
     /// Returns a difference in text. Any other one becomes a detail.
     std::string compare_content(fs::path const& path, Status const& before, Status const& now,
                                 std::vector<std::string>& details) {
-        bool const is_same =
-            before.st_size == now.st_size && has_same_content(old(path), present(path));
+        bool const is_same = before.st_size == now.st_size &&
+                             has_same_content(old(path), present(path), now.st_size);
         if (is_same) return "";
         constexpr off_t most = off_t{4} << 20; // of what diff takes long for
         std::string text;
         if (before.st_size < most && now.st_size < most)
             text = text_difference(old(path), present(path));
         if (text.empty())
-            details.push_back("content " + in_units(std::uintmax_t(before.st_size)) + " -> " +
-                              in_units(std::uintmax_t(now.st_size)));
+            details.push_back("content " + grouped(std::uintmax_t(before.st_size)) + " B -> " +
+                              grouped(std::uintmax_t(now.st_size)) + " B");
         return text;
     }
 
-    void add(char letter, fs::path const& path, Status const& now) {
-        report(letter, path, now, S_ISDIR(now.st_mode) ? summary(present(path)) : "");
-    }
-
-    void remove(fs::path const& path, Status const& before) {
-        report('D', path, before);
-        if (S_ISDIR(before.st_mode)) remove_contents(path);
-    }
-
-    void remove_contents(fs::path const& directory) {
-        for (std::string const& name : names_in(old(directory)))
-            remove(directory / name, *status_of(old(directory / name)));
+    /// Of a directory, with what it holds at `place`.
+    void report_whole(char letter, fs::path const& path, Status const& status,
+                      fs::path const& place) {
+        report(letter, path, status, S_ISDIR(status.st_mode) ? summary(place) : "");
     }
 
     void report(char letter, fs::path const& path, Status const& status,
@@ -267,7 +301,17 @@ class Comparison {
 } // namespace
 
 Watched watch(fs::path const& directory, fs::path const& before, fs::path const& upper) {
-    return {directory, before, upper, status_of(directory).value(), attributes_of(directory)};
+    Watched watched = {directory, before, upper, {}};
+    watched.records[""] = record_of(directory).value();
+    if (!upper.empty()) return watched;
+    std::size_t const begin = (directory / "").string().size();
+    auto const options = fs::directory_options::skip_permission_denied;
+    for (fs::path const& path : fs::recursive_directory_iterator(directory, options))
+        if (std::optional<Record> const record = record_of(path))
+            watched.records[path.string().substr(begin)] = *record;
+    // Until the file system's clock has gone on, so that a change from now on has another time.
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return watched;
 }
 
 std::vector<Change> find_changes(std::vector<Watched> const& directories,

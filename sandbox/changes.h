@@ -12,23 +12,32 @@ namespace sandbox {
 /// Extended attributes by name, ACLs and security labels among them.
 using Attributes = std::map<std::string, std::string>;
 
+/// What lies somewhere, but for its content; of a link its own.
+struct Record {
+    struct stat status;
+    Attributes attributes;
+};
+
 /// A directory whose changes can be found.
 struct Watched {
     std::filesystem::path directory; ///< its path, free of links
     std::filesystem::path before;    ///< a path to it as it was
     std::filesystem::path upper;     ///< what was written in it; empty where that is not known
-    struct stat status;              ///< its own when the watch began, as the attributes
-    Attributes attributes;
+    /// When the watch began: of itself, as "", and without an upper layer of all that lies in it,
+    /// by path in it.
+    std::map<std::string, Record> records;
 };
 
-/// Begins the watch of a directory that is there.
+/// Begins the watch of a directory that is there. Without an upper layer `before` is needed only
+/// when changes are looked for.
 Watched watch(std::filesystem::path const& directory, std::filesystem::path const& before,
               std::filesystem::path const& upper);
 
 struct Change {
-    char letter;            ///< A added, M changed, D gone, T now of another type
-    std::string path;       ///< absolute; a folder's ends with "/"
-    std::string detail;     ///< what changed beside text; of a folder that is new, what it holds
+    char letter;      ///< A added, M changed, D gone, T now of another type
+    std::string path; ///< absolute; a folder's ends with "/"
+    std::string
+        detail; ///< what changed beside text; of a folder that is new or gone, what it holds
     std::string difference; ///< a unified diff where text changed
 };
 

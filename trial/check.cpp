@@ -7,10 +7,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <iterator>
 #include <set>
+#include <system_error>
 
 #include "installer/signals.h"
 #include "sandbox/processes.h"
@@ -20,6 +24,7 @@
 #include "trial/undo_check.h"
 
 namespace fs = std::filesystem;
+using installer::HeldSignals;
 using installer::Session;
 using sandbox::Change;
 using Texts = std::vector<std::string>;
@@ -140,46 +145,41 @@ class Check {
     Report& report_;
 };
 
-/// Copies of the workbench and the product as they were.
-class Copies {
+/// A folder for copies of the workbench and the product, removed with all that is in it.
+class CopyFolder {
   public:
-    /// Throws StartError where they cannot be made, or would not be the same.
-    explicit Copies(Places const& places) {
+    /// Throws StartError where there can be none.
+    explicit CopyFolder(Places const& places) {
         std::error_code absent;
-        folder_ = fs::canonical(fs::temp_directory_path(absent), absent) / "wb-trial-XXXXXX";
-        if (places.is_in_workbench(folder_) || places.is_in_product(folder_))
+        path_ = fs::canonical(fs::temp_directory_path(absent), absent) / "wb-trial-XXXXXX";
+        if (places.is_in_workbench(path_) || places.is_in_product(path_))
             throw StartError("TMPDIR has to lie outside of the workbench and the product, for it "
                              "gets copies of them");
-        if (absent || !mkdtemp(folder_.data()))
+        if (absent || !mkdtemp(path_.data()))
             throw StartError("TMPDIR names no directory in which copies can be made");
-        for (fs::path const& place : std::set<fs::path>{places.workbench, places.product})
-            if (fs::is_directory(place, absent)) copy(place);
-        std::vector<Change> const lost = sandbox::find_changes(directories_, "");
-        if (lost.empty()) return;
-        remove();
-        throw StartError("run as root, for this user's copy differs: " + lost[0].path);
     }
-    ~Copies() { remove(); }
-    Copies(Copies const&) = delete;
-    Copies& operator=(Copies const&) = delete;
+    ~CopyFolder() {
+        std::error_code is_left;
+        succeeds({"chmod", "-R", "u+rwX", "--", path_.c_str(), nullptr});
+        fs::remove_all(path_, is_left);
+    }
+    CopyFolder(CopyFolder const&) = delete;
+    CopyFolder& operator=(CopyFolder const&) = delete;
 
-    std::vector<sandbox::Watched> const& directories() const { return directories_; }
+    /// Copies what is there. Throws StartError where it cannot.
+    std::vector<sandbox::Watched> copy(Places const& places) const {
+        std::vector<sandbox::Watched> directories;
+        for (fs::path const& place : std::set<fs::path>{places.workbench, places.product}) {
+            if (std::error_code absent; !fs::is_directory(place, absent)) continue;
+            std::string const copy = path_ + "/" + std::to_string(directories.size());
+            directories.push_back(sandbox::watch(place, copy, ""));
+            if (!succeeds({"cp", "-a", "--", place.c_str(), copy.c_str(), nullptr}))
+                throw StartError("cp: " + place.string() + " cannot be copied");
+        }
+        return directories;
+    }
 
   private:
-    void copy(fs::path const& place) {
-        std::string const copy = folder_ + "/" + std::to_string(directories_.size());
-        if (succeeds({"cp", "-a", "--", place.c_str(), copy.c_str(), nullptr}))
-            return directories_.push_back(sandbox::watch(place, copy, ""));
-        remove();
-        throw StartError("cp: " + place.string() + " cannot be copied");
-    }
-
-    void remove() const {
-        std::error_code is_left;
-        succeeds({"chmod", "-R", "u+rwX", "--", folder_.c_str(), nullptr});
-        fs::remove_all(folder_, is_left);
-    }
-
     /// Runs a command whose words end with a null pointer.
     static bool succeeds(std::vector<char const*> const& command) {
         pid_t process = 0;
@@ -188,37 +188,64 @@ class Copies {
         return status == 0 && waitpid(process, &status, 0) == process && status == 0;
     }
 
-    std::string folder_;
-    std::vector<sandbox::Watched> directories_;
+    std::string path_;
 };
+
+/// Runs `work` in a child. Until that ends, this process only reaps, and passes on the signals that
+/// it holds. Returns what `work` returned, or 128 and the number of the signal that ended it.
+int run_in_child(HeldSignals const& signals, std::function<int()> const& work) {
+    pid_t const child = fork();
+    if (child == -1) throw std::system_error(errno, std::generic_category(), "start a process");
+    if (child == 0) _exit(work());
+    int status = 0;
+    pid_t ended = 0;
+    while ((ended = waitpid(-1, &status, WNOHANG)) != child && !HeldSignals::pending())
+        if (ended == 0) signals.wait();
+    if (ended != child) kill(child, HeldSignals::pending());
+    while (ended != child) ended = wait(&status);
+    return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+}
+
+/// Ends all children of this process, and theirs as they are left to it, as far as /proc shows
+/// them.
+void end_children() {
+    pid_t child = 0;
+    while (std::ifstream("/proc/thread-self/children") >> child) {
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+    }
+}
 
 } // namespace
 
 ExitStatus check(Session const& session, Sequence& sequence, Report& report) {
-    Check check(session, sequence, report);
+    Check trial(session, sequence, report);
     return run_in_sandbox(session, report,
-                          [&](ChangeReport const& changes) { check.run(changes); });
+                          [&](ChangeReport const& changes) { trial.run(changes); });
 }
 
 ExitStatus check_without_sandbox(Session const& session, Sequence& sequence, Report& report) {
-    installer::HeldSignals const signals; // so that the copies are removed
-    Check check(session, sequence, report);
-    Copies const copies(check.places());
-    std::cout << "The disk changes: this check really installs and uninstalls." << std::endl;
+    Check trial(session, sequence, report);
+    HeldSignals const signals; // until the copies are removed
+    CopyFolder const copies(trial.places());
     auto const run_and_report = [&] {
+        ChangeReport const changes(copies.copy(trial.places()), session, report);
+        std::cout << "The disk changes: this check really installs and uninstalls." << std::endl;
         if (!fs::exists("/proc/self"))
             report.note("there is no /proc: what still runs after the uninstall is not seen");
-        check.run(ChangeReport(copies.directories(), session, report));
+        trial.run(changes);
         std::cout << "What the last list shows is left on the disk. Nothing beside the "
                      "workbench and the product was compared.\n";
         return report.finish();
     };
-    int const result = sandbox::run_in_child([&] { // in which no child is the caller's
+    int const result = run_in_child(signals, [&] { // in which no child is the caller's
         prctl(PR_SET_CHILD_SUBREAPER, 1);
-        return sandbox::run_in_child([&] {
+        int const status = run_in_child(signals, [&] {
             signals.release();
             return status_or_error(run_and_report);
         });
+        if (HeldSignals::pending()) end_children();
+        return status;
     });
     if (result <= not_started) return ExitStatus(result);
     throw std::runtime_error("signal " + std::to_string(result - 128) + " ended the check");
