@@ -50,6 +50,16 @@ void set_folder_mode(fs::path const& folder, mode_t mode, Outcome& outcome) {
                             show_mode(present) + ", for the folder is somebody else's");
 }
 
+struct File {
+    int const descriptor;
+    File(fs::path const& path, int flags) : descriptor(open(path.c_str(), flags | O_CLOEXEC)) {
+        require(descriptor != -1, path);
+    }
+    ~File() { close(descriptor); }
+    File(File const&) = delete;
+    File& operator=(File const&) = delete;
+};
+
 /// The copying of one tree.
 class TreeCopy {
   public:

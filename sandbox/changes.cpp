@@ -54,12 +54,18 @@ Attributes attributes_of(fs::path const& path) {
     return attributes;
 }
 
-/// The record of what lies there, or nothing.
-std::optional<Record> record_of(fs::path const& path) {
+/// The status of what lies there, of a link its own, or nothing.
+std::optional<Status> status_of(fs::path const& path) {
     Status status{};
-    if (lstat(path.c_str(), &status) == 0) return Record{status, attributes_of(path)};
+    if (lstat(path.c_str(), &status) == 0) return status;
     if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
     throw fs::filesystem_error("status", path, std::error_code(errno, std::generic_category()));
+}
+
+std::optional<Record> record_of(fs::path const& path) {
+    std::optional<Status> const status = status_of(path);
+    if (!status) return std::nullopt;
+    return Record{*status, attributes_of(path)};
 }
 
 /// Those that are not the same, or not in both.
@@ -190,11 +196,11 @@ class Comparison {
     void compare(fs::path const& path) {
         try {
             std::optional<Record> const before = old_record(path);
-            std::optional<Record> const now = record_of(present(path));
+            std::optional<Status> const now = status_of(present(path));
             if (before && now) compare_both(path, *before, *now);
             else if (before && !(path.empty() && is_removed_outside()))
                 report_whole('D', path, before->status, old(path));
-            else if (now) report_whole('A', path, now->status, present(path));
+            else if (now) report_whole('A', path, *now, present(path));
         } catch (std::system_error const& error) {
             std::string const name = present(path);
             changes_.insert({name, {'M', name, "not known: " + error.code().message(), ""}});
@@ -223,14 +229,13 @@ class Comparison {
         return stat(watched_.before.c_str(), &status) == 0 && status.st_nlink == 0;
     }
 
-    void compare_both(fs::path const& path, Record const& old_one, Record const& new_one) {
-        Status const& before = old_one.status;
-        Status const& now = new_one.status;
+    void compare_both(fs::path const& path, Record const& record, Status const& now) {
+        Status const& before = record.status;
         if ((before.st_mode & S_IFMT) != (now.st_mode & S_IFMT)) {
             if (!S_ISDIR(before.st_mode)) return report_whole('T', path, now, present(path));
             return report('T', path, now, "was a directory: " + summary(old(path)));
         }
-        if (!is_untouched(before, now)) compare_itself(path, old_one, new_one);
+        if (!is_untouched(before, now)) compare_itself(path, record, now);
         if (S_ISDIR(now.st_mode)) compare_contents(path);
     }
 
@@ -246,24 +251,22 @@ class Comparison {
         for (fs::directory_entry const& entry : fs::directory_iterator(old(directory))) {
             fs::path const name = entry.path().filename();
             if (names.count(name) != 0 || !old_record(directory / name)) continue;
-            if (!record_of(present(directory) / name)) names.merge(names_in(old(directory)));
+            if (!status_of(present(directory) / name)) names.merge(names_in(old(directory)));
             break;
         }
         return names;
     }
 
-    void compare_itself(fs::path const& path, Record const& before, Record const& now) {
-        std::vector<std::string> details = differences(before.status, now.status);
-        for (std::string const& name : different(before.attributes, now.attributes))
+    void compare_itself(fs::path const& path, Record const& before, Status const& now) {
+        std::vector<std::string> details = differences(before.status, now);
+        for (std::string const& name : different(before.attributes, attributes_of(present(path))))
             details.push_back("attribute " + name);
-        if (S_ISLNK(now.status.st_mode) &&
-            fs::read_symlink(old(path)) != fs::read_symlink(present(path)))
+        if (S_ISLNK(now.st_mode) && fs::read_symlink(old(path)) != fs::read_symlink(present(path)))
             details.push_back("link " + fs::read_symlink(old(path)).string() + " -> " +
                               fs::read_symlink(present(path)).string());
-        std::string const text = S_ISREG(now.status.st_mode)
-                                     ? compare_content(path, before.status, now.status, details)
-                                     : "";
-        if (!details.empty() || !text.empty()) report('M', path, now.status, joined(details), text);
+        std::string const text =
+            S_ISREG(now.st_mode) ? compare_content(path, before.status, now, details) : "";
+        if (!details.empty() || !text.empty()) report('M', path, now, joined(details), text);
     }
 
     /// Returns a difference in text. Any other one becomes a detail.

@@ -13,6 +13,7 @@
 #include <functional>
 #include <iostream>
 #include <iterator>
+#include <map>
 #include <set>
 #include <system_error>
 
@@ -81,7 +82,7 @@ class Check {
         std::vector<Change> const left = left_unexpectedly(changes, remarks);
         changes.show("left by the uninstall", left, remarks);
         for (Change const& change : left) {
-            if (places_.is_in_workbench(change.path)) in_workbench.push_back(brief(change));
+            if (is_of_workbench(change)) in_workbench.push_back(brief(change));
             else if (places_.is_in_product(change.path)) in_product.push_back(brief(change));
             else elsewhere.push_back(brief(change));
         }
@@ -101,7 +102,7 @@ class Check {
         std::string by_design;
         int preferences_files = 0;
         for (Change const& change : changes.find()) {
-            if (places_.is_in_workbench(change.path)) left.push_back(change);
+            if (is_of_workbench(change)) left.push_back(change);
             else if (is_whole_script(change)) by_design = "the de-integration script";
             else if (has_only_location(change, changes)) ++preferences_files;
             else if (is_ignored(change)) remarks.push_back("ignored: " + brief(change));
@@ -113,6 +114,13 @@ class Check {
                          (preferences_files == 1 ? "" : "s");
         if (!by_design.empty()) remarks.insert(remarks.begin(), "by design: " + by_design);
         return left;
+    }
+
+    /// A directory that is gone took along what was in it.
+    bool is_of_workbench(Change const& change) const {
+        fs::path const place = fs::path(change.path) / "";
+        bool const held_it = (places_.workbench / "").string().rfind(place, 0) == 0;
+        return places_.is_in_workbench(change.path) || (held_it && change.letter != 'M');
     }
 
     bool is_whole_script(Change const& change) const {
@@ -159,8 +167,9 @@ class CopyFolder {
             throw StartError("TMPDIR names no directory in which copies can be made");
     }
     ~CopyFolder() {
-        std::error_code is_left;
-        succeeds({"chmod", "-R", "u+rwX", "--", path_.c_str(), nullptr});
+        std::error_code is_closed, is_left;
+        fs::remove_all(path_, is_closed);
+        if (is_closed) has_succeeded(start({"chmod", "-R", "u+rwX", "--", path_.c_str(), nullptr}));
         fs::remove_all(path_, is_left);
     }
     CopyFolder(CopyFolder const&) = delete;
@@ -170,22 +179,34 @@ class CopyFolder {
     std::vector<sandbox::Watched> copy(Places const& places) const {
         std::vector<sandbox::Watched> directories;
         for (fs::path const& place : std::set<fs::path>{places.workbench, places.product}) {
-            if (std::error_code absent; !fs::is_directory(place, absent)) continue;
             std::string const copy = path_ + "/" + std::to_string(directories.size());
-            directories.push_back(sandbox::watch(place, copy, ""));
-            if (!succeeds({"cp", "-a", "--", place.c_str(), copy.c_str(), nullptr}))
-                throw StartError("cp: " + place.string() + " cannot be copied");
+            std::error_code absent;
+            if (fs::is_directory(place, absent))
+                directories.push_back(sandbox::watch(place, copy, ""));
         }
+        std::map<fs::path, pid_t> commands;
+        for (sandbox::Watched const& watched : directories)
+            commands[watched.directory] = start(
+                {"cp", "-a", "--", watched.directory.c_str(), watched.before.c_str(), nullptr});
+        std::string failed;
+        for (auto const& [place, command] : commands)
+            if (!has_succeeded(command)) failed = place;
+        if (!failed.empty()) throw StartError("cp: " + failed + " cannot be copied");
         return directories;
     }
 
   private:
-    /// Runs a command whose words end with a null pointer.
-    static bool succeeds(std::vector<char const*> const& command) {
+    /// Starts a command whose words end with a null pointer. Returns 0 where it cannot.
+    static pid_t start(std::vector<char const*> const& command) {
         pid_t process = 0;
-        int status = posix_spawnp(&process, command[0], nullptr, nullptr,
-                                  const_cast<char* const*>(command.data()), environ);
-        return status == 0 && waitpid(process, &status, 0) == process && status == 0;
+        posix_spawnp(&process, command[0], nullptr, nullptr,
+                     const_cast<char* const*>(command.data()), environ);
+        return process;
+    }
+
+    static bool has_succeeded(pid_t process) {
+        int status = 0;
+        return process != 0 && waitpid(process, &status, 0) == process && status == 0;
     }
 
     std::string path_;
