@@ -5,9 +5,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <fstream>
 #include <iostream>
 #include <vector>
 
@@ -100,20 +100,33 @@ class TreeCopy {
 
     void copy_regular_file(fs::path const& source, fs::path const& target) {
         replace_file(target, [&](fs::path const& fresh) {
-            std::ifstream from(source);
-            require(from.is_open(), source);
-            std::ofstream to(fresh);
-            std::vector<char> block(std::size_t{1} << 20);
-            do {
-                from.read(block.data(), std::streamsize(block.size()));
-                require(!from.bad() && to.write(block.data(), from.gcount()), target);
+            File const from(source, O_RDONLY), to(fresh, O_WRONLY);
+            off_t end = 0;
+            for (off_t at = 0; (at = copy_block(from, to, at)) != end; end = at) {
+                require(at != -1, target);
                 require(!HeldSignals::pending(), target, EINTR);
                 show_progress();
-            } while (from);
-            require(bool(to.flush()), target);
+            }
+            end = std::max(end, lseek(from.descriptor, 0, SEEK_END)); // behind a last hole
+            require(ftruncate(to.descriptor, end) == 0, target);
             mode_t const mode = copied_mode(status_of(source), status_of(fresh));
             require(chmod(fresh.c_str(), mode) == 0, target);
         });
+    }
+
+    /// Copies a block at or behind `at`, but for holes. Returns where the next one begins: `at`
+    /// where there is none, -1 where it failed.
+    off_t copy_block(File const& from, File const& to, off_t at) {
+        off_t const data = lseek(from.descriptor, at, SEEK_DATA);
+        if (data == -1 && errno == ENXIO) return at;
+        off_t const begin = std::max(at, data); // where a file system knows no holes, data is -1
+        off_t const hole = lseek(from.descriptor, begin, SEEK_HOLE);
+        std::size_t size = block_.size();
+        if (hole > begin) size = std::min(size, std::size_t(hole - begin));
+        ssize_t const count = pread(from.descriptor, block_.data(), size, begin);
+        if (count <= 0) return count == 0 ? at : -1;
+        ssize_t const written = pwrite(to.descriptor, block_.data(), std::size_t(count), begin);
+        return written == -1 ? -1 : begin + written;
     }
 
     void show_progress() {
@@ -125,6 +138,7 @@ class TreeCopy {
     }
 
     Outcome& outcome_;
+    std::vector<char> block_ = std::vector<char>(std::size_t{1} << 20);
     int copied_ = 0;
     bool has_shown_ = false;
     std::chrono::steady_clock::time_point shown_ = std::chrono::steady_clock::now();
