@@ -67,12 +67,14 @@ def sh(line):
     return ["sh", "-c", line, "-"]
 
 
+def first(command):
+    """The words before a command that have a shell run another one first."""
+    return sh(f'set -e; {command}\nexec "$@"')
+
+
 # A mount of the machine below one of these directories would change what a sandbox can cover.
-FRESH = ["unshare", "-m", "sh", "-c"]
-FRESH += [
-    'for d in /tmp /var/tmp /dev/shm; do mount -t tmpfs -o mode=1777 x $d; done; exec "$@"',
-    "-",
-]
+FRESH = ["unshare", "-m"]
+FRESH += first("for d in /tmp /var/tmp /dev/shm; do mount -t tmpfs -o mode=1777 x $d; done")
 HAS_NAMESPACES = can("unshare", "-m", "true") if IS_ROOT else can("unshare", "-Urm", "true")
 
 
@@ -116,7 +118,8 @@ class Report:
     @property
     def output(self):
         """What the scripts printed."""
-        return re.findall(r"^    ( *\S.*)", self.text, re.M)
+        said = re.findall(r"^  its command said.*\n((?:    .*\n)*)", self.text, re.M)
+        return [line[4:] for line in "".join(said).splitlines()]
 
 
 class Site:
@@ -192,24 +195,30 @@ class Site:
         if IS_ROOT:
             subprocess.run(["chown", "-hR", f"{user}:{user}", self.root], check=True)
 
-    def wb_trial(self, *arguments, user=os.geteuid(), within=(), variables={}, environment={}):
-        """Runs wb-trial in the site. `within` are the words before its own, `variables` are set."""
+    def start(self, *arguments, user=os.geteuid(), within=(), variables={}, environment={}):
+        """Starts wb-trial in the site. `within` are the words before its own, `variables` are set."""
         settings = [word for name in variables for word in ("--set", f"{name}={variables[name]}")]
         in_sandbox = "--preview" in arguments or ("check" in arguments and "--no-sandbox" not in arguments)
         fresh = FRESH if in_sandbox and IS_ROOT and HAS_NAMESPACES else []
         # The check for leaks cannot look into a process that has entered a namespace.
         own = {"ASAN_OPTIONS": "detect_leaks=0"} if in_sandbox else {}
-        ended = subprocess.run(
+        return subprocess.Popen(
             [*fresh, *as_user(user), *within, "wb-trial", *arguments, *settings],
             cwd=self.root,
             env=self.environment | own | environment,
             stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT,
-            timeout=100,
         )
-        text = ended.stdout.decode(errors="surrogateescape")
-        return Report(ended.returncode, text.replace(str(self.root), "."))
+
+    def wb_trial(self, *arguments, **how):
+        """The Report of a run of wb-trial in the site."""
+        process = self.start(*arguments, **how)
+        try:
+            text = process.communicate(timeout=100)[0].decode(errors="surrogateescape")
+        finally:
+            process.kill()
+        return Report(process.returncode, text.replace(str(self.root), "."))
 
     def run(self, *actions, **how):
         return self.wb_trial("run", "s.toml", *actions, **how)
@@ -247,15 +256,16 @@ class Way:
         self.options = options
         self.in_sandbox = not options
 
-    def __call__(self, site, command="check", **how):
-        """The Report of the command. Nothing on the disk may have changed after a sandbox, and no
-        copy may be left by a check without one."""
+    def __call__(self, site, *command, **how):
+        """The Report of a check, or of another command. Nothing on the disk may have changed after
+        a sandbox, and a check without one may leave no copies."""
         site.give_to(self.user)
         before = site.tree()
-        report = site.wb_trial(command, "s.toml", *self.options, user=self.user, **how)
+        temporary = list(site.temporary.iterdir())
+        report = site.wb_trial(*(command or ["check"]), "s.toml", *self.options, user=self.user, **how)
         if self.in_sandbox:
             assert site.tree() == before
-        assert list(site.temporary.iterdir()) == []
+        assert list(site.temporary.iterdir()) == temporary
         site.give_to(os.geteuid())
         return report
 
