@@ -5,64 +5,46 @@ import re
 from conftest import NO_RIGHTS, keyed_table, says
 
 
-def written(report):
-    return dict(re.findall(r'^  (\w+) = "(.*)"$', report.text, re.M))
-
-
 @keyed_table(
-    "versions, status",
-    {"3.1;": "ok", "3.1": "unsupported", "2;3.1;4;": "ok", ";": "ok", "2;;": "ok", "": "undefined"},
-)
-def test_verdict_on_a_workbench_of_version_3_1(site, versions, status):
-    variables = {"WB_INTEGRATION_PATH": "workbench", "SUPPORTED_VERSION": versions}
-    assert written(site.run("validate_wb_path", variables=variables)) == {"PATH_STATUS": status}
-
-
-@keyed_table(
-    "command, status",
+    "assignment, written",
     {
-        "chmod 555 workbench": "notwritable",
-        "echo name=1 >workbench/install.properties; chmod 555 workbench": "unsupported",
-        "rm workbench/*.properties; mkdir workbench/install.properties": "undefined",
+        "SUPPORTED_VERSION=3.1;": 'PATH_STATUS = "ok"',
+        "SUPPORTED_VERSION=3.1": 'PATH_STATUS = "unsupported"',
+        "SUPPORTED_VERSION=2;3.1;4;": 'PATH_STATUS = "ok"',
+        "SUPPORTED_VERSION=2;;": 'PATH_STATUS = "ok"',
+        "SUPPORTED_VERSION=": 'PATH_STATUS = "undefined"',
+        "WB_INTEGRATION_PATH=locked": 'PATH_STATUS = "notwritable"',
+        "WB_INTEGRATION_PATH=locked/other": 'PATH_STATUS = "unsupported"',
+        "WB_INTEGRATION_PATH=product": 'PATH_STATUS = "undefined"',
+        "DEFAULT_SEARCH_PATH=workbench// absent": 'WB_INTEGRATION_PATH = "workbench//"',
+        "DEFAULT_SEARCH_PATH= absent  ./workbench workbench ": 'WB_INTEGRATION_PATH = "./workbench"',
+        "DEFAULT_SEARCH_PATH=absent\tworkbench": 'WB_INTEGRATION_PATH = ""',
     },
 )
-def test_the_properties_come_first_then_the_versions_then_writing(site, command, status):
-    site.shell(command)
-    variables = {"WB_INTEGRATION_PATH": "workbench"}
-    report = site.run("validate_wb_path", variables=variables, within=NO_RIGHTS)
-    assert written(report) == {"PATH_STATUS": status}
+def test_what_is_written_about_the_workbench(site, assignment, written):
+    site.shell("mkdir -p locked/other product/install.properties; cp workbench/*.properties locked")
+    site.shell("echo name=1 >locked/other/install.properties; chmod 555 locked/other locked")
+    action = "detect_wb_in_default_path" if "SEARCH" in assignment else "validate_wb_path"
+    workbench = {"WB_INTEGRATION_PATH": "workbench"} if "INTEGRATION" not in assignment else {}
+    report = site.run(action, "--set", assignment, variables=workbench, within=NO_RIGHTS)
+    assert report.lines[1:] == ["  " + written]
 
 
 @keyed_table(
-    "places, proposed",
+    "names, lines",
     {
-        "workbench": "workbench",
-        "workbench// absent": "workbench//",
-        " absent  ./workbench workbench ": "./workbench",
-        "absent\tworkbench": "",
+        "Workbench work-bench": ['  WB_INTEGRATION_SUPPORTED = "no"'],
+        "off-workbench docs a-workbench-b workbench": [
+            '  WB_INTEGRATION_SUPPORTED = "yes"',
+            '  WB_INSTALL_SUBDIR = "/a-workbench-b"',
+        ],
     },
 )
-def test_proposed_workbench(site, places, proposed):
-    variables = {"WB_INTEGRATION_PATH": "old", "DEFAULT_SEARCH_PATH": places}
-    report = site.run("detect_wb_in_default_path", variables=variables)
-    assert written(report) == {"WB_INTEGRATION_PATH": proposed}
-
-
-@keyed_table(
-    "names, found",
-    {
-        "Workbench work-bench": {"WB_INTEGRATION_SUPPORTED": "no"},
-        "off-workbench docs a-workbench-b workbench": {
-            "WB_INTEGRATION_SUPPORTED": "yes",
-            "WB_INSTALL_SUBDIR": "/a-workbench-b",
-        },
-    },
-)
-def test_component_for_the_workbench(site, names, found):
+def test_component_for_the_workbench(site, names, lines):
     component = '[[component]]\nname = "{0}"\nsubdir = "/{0}"\ninstall_condition = {1}\n'
     components = [component.format(name, str(name != "off-workbench").lower()) for name in names.split()]
     site.session.write_text("".join(components))
-    assert written(site.run("find_wb_components")) == found
+    assert site.run("find_wb_components", variables={"log_file": "log"}).lines[1:] == lines
 
 
 def test_integration_that_cannot_begin_touches_nothing(site):
@@ -74,7 +56,7 @@ def test_integration_that_cannot_begin_touches_nothing(site):
 
 
 @keyed_table("marker, is_found", {".prefs": True, ".PREFS": False, "": False})
-def test_files_that_a_marker_finds_where_nothing_is_integrated(site, marker, is_found):
+def test_preferences_files_where_nothing_is_integrated(site, marker, is_found):
     site.edit("workbench-part", "part")
     assert site.install("--set", f"WB_PREFS={marker}").status == 0
     assert (f"home={site.product}/suite\n" in site.prefs.read_text()) == is_found
@@ -91,7 +73,7 @@ def test_files_that_a_marker_finds_where_nothing_is_integrated(site, marker, is_
         "init_wb_prefs": "VORN_INSTALL_DIR",
     },
 )
-def test_without_variables_every_action_runs_to_its_end_and_names_what_it_missed(site, action, unset):
+def test_without_variables_every_action_names_what_it_missed(site, action, unset):
     site.session.write_text("")
     before = site.entries()
     report = site.run(action)
