@@ -1,0 +1,79 @@
+"""Random scripts: in a sandbox and without one a check says what a comparison of the whole tree says. The examples
+are the same ones every time, unless FUZZ_SECONDS is set: then new ones are tried for so long."""
+
+import os
+import stat
+import time
+
+from hypothesis import HealthCheck, given, settings
+from hypothesis import strategies as st
+
+SECONDS = float(os.environ.get("FUZZ_SECONDS", 0))
+COMMANDS = [
+    "echo 1 >{0}",
+    "echo 2 >>{0}",
+    "rm -rf {0}",
+    "mkdir {0}",
+    "mv {0} {1}",
+    "cp -p {0} {1}",
+    "chmod {mode} {0}",
+    "ln -s {0} {1}",
+    "ln {0} {1}",
+    "setfattr -n user.a -v {mode} {0}",
+    "setfattr -x user.a {0}",
+]
+NAMES = st.sampled_from(["file", "file2", "dir", "dir/file", "dir/other", "."])
+MODES = st.sampled_from(["0", "500", "644", "755", "4711"])
+STEPS = st.lists(st.builds(str.format, st.sampled_from(COMMANDS), NAMES, NAMES, mode=MODES), max_size=6)
+
+
+def facts(path):
+    """All that can be known of a file, a link, or a folder and what is in it, but for times."""
+    status = path.lstat()
+    known = [status.st_mode, status.st_uid, status.st_gid]
+    if path.is_symlink():
+        return [*known, os.readlink(path)]
+    path.chmod(0o700)  # for a user who is not root
+    known += [(name, os.getxattr(path, name)) for name in sorted(os.listxattr(path))]
+    known += (
+        sorted((entry.name, facts(entry)) for entry in path.iterdir())
+        if path.is_dir()
+        else [path.read_bytes()]
+    )
+    path.chmod(stat.S_IMODE(status.st_mode))
+    return known
+
+
+def in_workbench(report):
+    return [change for change in report.changes if "./workbench" in change]
+
+
+def test_random_scripts(site, sandbox):
+    @settings(
+        max_examples=25,
+        derandomize=not SECONDS,
+        deadline=None,
+        database=None,
+        suppress_health_check=HealthCheck.all(),
+    )
+    @given(STEPS, STEPS, st.booleans())
+    def agree(setup, uninstall, restores):
+        """An uninstall that restores everything begins with all that was there."""
+        site.shell("chmod -R u+rwX .")
+        keep, restore = ["cp -a . ~/kept"], ["rm -rf *", "cp -a ~/kept/. ."]
+        if restores:
+            setup, uninstall = keep + setup, restore + uninstall
+        site.lay("\n".join([*setup, ":"]), "\n".join([*uninstall, ":"]))
+        inside = sandbox(site)
+        site.give_to(sandbox.user)
+        before = facts(site.workbench)
+        real = site.wb_trial("check", "--no-sandbox", "s.toml", user=sandbox.user)
+        expected = "as it was" if facts(site.workbench) == before else "changed"
+        assert (inside.verdict, real.verdict) == (expected, expected), real.text
+        if sandbox.user == 0:  # an ordinary user may not read everything on the real disk
+            assert in_workbench(inside) == in_workbench(real)
+
+    end = time.monotonic() + SECONDS / 2  # for each of two users
+    agree()
+    while time.monotonic() < end:
+        agree()
