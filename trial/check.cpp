@@ -102,10 +102,11 @@ class Check {
         std::string by_design;
         int preferences_files = 0;
         for (Change const& change : changes.find()) {
-            if (is_of_workbench(change)) left.push_back(change);
-            else if (is_whole_script(change)) by_design = "the de-integration script";
-            else if (has_only_location(change, changes)) ++preferences_files;
-            else if (is_ignored(change)) remarks.push_back("ignored: " + brief(change));
+            bool const may_be_left = !is_of_workbench(change);
+            if (may_be_left && is_whole_script(change)) by_design = "the de-integration script";
+            else if (may_be_left && has_only_location(change, changes)) ++preferences_files;
+            else if (may_be_left && is_ignored(change))
+                remarks.push_back("ignored: " + brief(change));
             else left.push_back(change);
         }
         if (preferences_files != 0)
