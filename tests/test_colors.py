@@ -11,6 +11,7 @@ CHECK = "wb-trial check --no-sandbox s.toml"
 def on_terminal(site, command, **environment):
     """What the command prints on a terminal."""
     own = {name: site.environment[name] for name in site.environment if name != "NO_COLOR"}
+    own["TERM"] = "xterm"
     return pexpect.run(command, cwd=site.root, env=own | environment).decode()
 
 
@@ -29,7 +30,8 @@ def test_colors(site):
 
 
 @pytest.mark.parametrize(
-    "command, environment", [(CHECK, {"NO_COLOR": "1"}), (f"sh -c '{CHECK} >x; cat x'", {})]
+    "command, environment",
+    [(CHECK, {"NO_COLOR": "1"}), (CHECK, {"TERM": "dumb"}), (f"sh -c '{CHECK} >x; cat x'", {})],
 )
 def test_no_colors(site, command, environment):
     """Where they are refused, or only standard error is a terminal."""

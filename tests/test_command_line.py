@@ -183,7 +183,7 @@ def test_installed_it_finds_the_library_that_was_installed_with_it(site):
 @table(
     "environment, status, said",
     {
-        "kept": ({}, 0, "\n1.."),
+        "kept": ({}, 1, "\n1.."),
         "not tried": ({"TMPDIR": "/absent"}, 1, "find_wb_components: the result is 1"),
     },
 )

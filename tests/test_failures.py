@@ -41,7 +41,7 @@ SCRIPT = 'the de-integration script "./product/suite/vorn/wb_deintegrate.sh"'
         "mkdir -p $copy/a.prefs": 'dir_copy ... failed: Is a directory: "./workbench/wr-qev-1.0a/a.prefs"',
         "rm -r workbench; ln -s $config workbench": "dir_copy ... failed: Invalid argument",
         "mkfifo $config/fifo": 'wr-qev-1.0a/fifo" is a FIFO, a socket or a device; leave it out',
-        "echo 'kill -9 $$' >>$setup": "ended with status 137",
+        "echo 'kill -9 $$' >>$setup": "ended by signal 9 (Killed)",
         "rm $uninstall": f"{UNINSTALL} is not there, so nothing undoes",
         "rm $uninstall; mkdir $uninstall": f"{UNINSTALL} is no regular file, so nothing undoes",
         "chmod -x $uninstall": f"{UNINSTALL} cannot be executed (Permission denied), so nothing undoes",
@@ -62,6 +62,12 @@ def test_integration_on_a_full_disk(site):
         "the log cannot be written\ndir_copy ... failed: File too large",
         FULL_DISK,
     )
+
+
+def test_integration_over_another_product(site):
+    site.shell("mkdir $copy; touch $copy/x")
+    says(site.install().failures, '"./workbench/wr-qev-1.0a" is there, and not by this product')
+    assert [file.name for file in site.copy.iterdir()] == ["x"]
 
 
 @keyed_table(
@@ -155,9 +161,10 @@ def test_preferences_file_keeps_all_else(site):
     site.shell("setfattr -n user.color -v red product/real || :")
     command = "cd product; stat -c '%u %g %a' real; getfacl -cn real; getfattr -d real"
     before = subprocess.check_output(command, shell=True, cwd=site.root)
-    for key in ("home", "new"):
+    for key, note in (("home", 'had 2 lines that set "home"'), ("new", 'had no line that sets "new"')):
         variables = {"WB_PREFS": "readme", "WB_PREFS_INST_DIR": key, "VORN_INSTALL_DIR": "p\\x"}
-        assert site.run("init_wb_prefs", variables=variables).failures == []
+        report = site.run("init_wb_prefs", variables=variables)
+        assert report.failures == [] and note in report.notes[0]
     assert subprocess.check_output(command, shell=True, cwd=site.root) == before
     assert (site.product / "suite/share/wr-qev-1.0a/readme.txt").is_symlink()
     place = b"p\\x/suite"

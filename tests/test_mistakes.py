@@ -110,6 +110,7 @@ def test_no_workbench_that_can_be_used(site, assignment, sentence):
     {
         "rm -r $config": 'dir_copy("./product/suite/part/wr-qev-1.0a", ... No such file',
         "sed -i 's/, files = .*/ }]/' s.toml": "perform_integration: no listed path holds a configuration",
+        "rm $uninstall": "perform_integration: the uninstall script ... is not there, so nothing undoes",
         "sed -i s/workbench-part/part/ s.toml": "check: nothing was checked, for nothing was integrated",
     },
 )

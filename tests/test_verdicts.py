@@ -1,7 +1,9 @@
 """Whether the workbench is as it was after an install and an uninstall, told by every way to check."""
 
 import pytest
-from conftest import WAYS, table
+from conftest import WAYS, says, table
+
+BY_DESIGN = "by design: the de-integration script, the location in 1 preferences file"
 
 
 @table(
@@ -85,6 +87,7 @@ def test_process(site, way, setup, uninstall, still_running):
         "another file": ("echo >>$product/suite/file", True),
         "the mode of preferences": ("chmod 600 $prefs", True),
         "preferences that are gone": ("rm $prefs", True),
+        "another line in preferences": ("echo c=3 >>$prefs", True),
     },
 )
 def test_product(site, way, setup, has_note):
@@ -94,6 +97,22 @@ def test_product(site, way, setup, has_note):
     report = way(site)
     assert report.verdict == "as it was"
     assert any("leaves the product changed" in note for note in report.notes) == has_note, report.text
+
+
+def test_preferences_behind_a_link(site, way):
+    site.shell("mkdir product/suite/etc; mv $prefs product/suite/etc/real; ln -s ../../etc/real $prefs")
+    site.edit(r"share\wr-qev-1.0a\readme.txt", r"part\wr-qev-1.0a\a.prefs")
+    report = way(site, variables={"WB_PREFS": r"0a\a"})
+    assert report.changes == [BY_DESIGN] and report.status == 0, report.text
+
+
+def test_what_is_ignored(site, sandbox):
+    patterns = ["${SESSION_DIR}/home/.c*", "${SESSION_DIR}/workbench"]
+    site.lay("mkdir $HOME/.cache; touch $HOME/.cache/x $HOME/file x")
+    site.session.write_text(f"ignore = {patterns}\n" + site.session.read_text())
+    report = sandbox(site)
+    assert report.changes == ["A ./home/file", "A ./workbench/x", BY_DESIGN, "ignored: A ./home/.cache/"]
+    says(report.failures, "the workbench changed: A ./workbench/x\nthe product: A ./home/file")
 
 
 @table(
