@@ -118,7 +118,7 @@ class Report:
     @property
     def output(self):
         """What the scripts printed."""
-        said = re.findall(r"^  its command said.*\n((?:    .*\n)*)", self.text, re.M)
+        said = re.findall(r"^  runs: .*\n((?:    .*\n)*)", self.text, re.M)
         return [line[4:] for line in "".join(said).splitlines()]
 
 

@@ -17,16 +17,23 @@ def on_terminal(site, command, **environment):
 
 def test_colors(site):
     site.lay("exit 3")
-    colors = re.findall(r"\x1b\[(\d+)m *([^ =]*)", on_terminal(site, CHECK).replace("\x1b[0m", ""))
-    assert sorted(set(colors)) == [
-        ("31", "-home"),
+    printed = on_terminal(site, f"{CHECK} --set WB_PREFS=.ini").replace("\x1b[0m", "")
+    assert re.findall(r"\x1b\[(\d+)m *([^ =\r]*)", printed) == [
+        ("33", "warning:"),
         ("31", "failed:"),
-        ("32", "+home"),
+        ("32", "A"),
         ("32", "A"),
         ("32", "The"),
-        ("33", "M"),
-        ("36", "@@"),
+        ("33", "1"),
+        ("33", "no"),
+        ("31", "1"),
+        ("31", "perform_integration:"),
+        ("31", "failed"),
     ]
+    site.lay()
+    printed = on_terminal(site, CHECK).replace("\x1b[0m", "")
+    found = [("33", "M"), ("31", "-home"), ("32", "+home"), ("32", "A"), ("32", "A"), ("32", "The")]
+    assert re.findall(r"\x1b\[(\d+)m *([^ =\r]*)", printed) == [*found, ("32", "passed")]
 
 
 @pytest.mark.parametrize(
