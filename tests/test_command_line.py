@@ -17,12 +17,15 @@ NOT_WRITTEN = "wb-trial: the report cannot be written"
         "": "wb-trial: a command is missing: check, install, uninstall or run",
         "chek s.toml": "wb-trial: unknown command chek; did you mean check?",
         "s.toml": 'wb-trial: unknown command s.toml; known are "check", "install", "uninstall", "run"',
-        "install": "SESSION.toml is required",
+        "install": "wb-trial: SESSION.toml is required",
         "install absent.toml": "wb-trial: absent.toml: No such file or directory",
         "install '\033[1m.toml'": r"wb-trial: \x1b[1m.toml: No such file or directory",
         "install workbench": "wb-trial: workbench: Is a directory",
-        "install s.toml more": "more",
-        "run s.toml init_wb_prefs exit": "exit ... detect_wb_in_default_path ... init_wb_prefs",
+        "install s.toml more": "wb-trial: unexpected argument more",
+        "run s.toml preform_integration": "unknown action preform_integration; did you mean perform_integration?",
+        "check --previw s.toml": "wb-trial: unknown option --previw; did you mean --preview?",
+        "check --preview s.toml": "wb-trial: check has no option --preview",
+        "--preview install s.toml": "wb-trial: --preview has to stand after its command",
         "install s.toml --set =x": 'wb-trial: --set "=x": write NAME=VALUE',
         "install s.toml --set WB_INTEGRATION_DIR=x": (
             "wb-trial: --set: unknown variable WB_INTEGRATION_DIR; did you mean WB_INTEGRATION_PATH?"
@@ -49,6 +52,12 @@ def test_arguments_with_which_nothing_is_run(site, arguments, refusal):
     "text, refusal",
     {
         "[variables": "1: Error while parsing table header",
+        "": " the file is empty; a session has",
+        "name = setup": "1: ... a string needs quotes, and single quotes where it holds a backslash",
+        r'name = "a\s"': "1: ... unknown escape sequence ... single quotes where it holds a backslash",
+        '[variables]\nWB_PREFS = "a\\b"': "2: WB_PREFS holds a control character: ... single quotes",
+        "[component]\n[component]": "2: ... cannot redefine ... begin each component with [[component]]",
+        "a\0": "1: ... save it as UTF-8",
         "a = 1": "1: unknown key a; a session has [variables] and [[component]]",
         "variables = 1": "1: variables has to be a table: [variables]",
         '[variables]\nWB_PREFS = "x"\nlog_file = 1': "3: log_file has to be a string",
@@ -58,10 +67,12 @@ def test_arguments_with_which_nothing_is_run(site, arguments, refusal):
         "[component]\nname = 'a'": "1: component has to be a list of tables: [[component]]",
         "[[component]]": "1: a component needs a name",
         "[[component]]\nname = 'a'\nfiles = 'a'": "3: files has to be a list of strings",
-        "[[component]]\nname = 'a'\nfiles_from = 'absent'": "3: files_from: No such file or directory",
-        "[[component]]\nname = 'a'\nfiles_from = '${SESSION_DIR}/locked'": "3: files_from: Permission denied",
+        "[[component]]\nname = 'a'\nfiles_from = 'absent'": "3: files_from: cannot list all of ./absent: No such",
+        "[[component]]\nname = 'a'\nfiles_from = '${SESSION_DIR}/locked'": (
+            "3: files_from: cannot list all of ./locked: Permission denied"
+        ),
         "[[component]]\nname = 'a'\ninstall_condition = 'true'": "3: install_condition has to be true",
-        "\udcff": "1: Encountered invalid utf-8",
+        "\udcff": "1: Encountered invalid utf-8 ... save it as UTF-8",
     },
 )
 def test_session_files_with_which_nothing_is_run(site, text, refusal):
@@ -70,6 +81,25 @@ def test_session_files_with_which_nothing_is_run(site, text, refusal):
     report = site.wb_trial("install", "s.toml", within=NO_RIGHTS)
     says([report.refusal], "s.toml:" + refusal)
     assert report.status == 2
+
+
+@table(
+    "line",
+    {
+        "removed": 'mkdir gone; cd gone; rmdir ../gone; exec "$@"',
+        "closed": 'mkdir -p closed/in; cd closed/in; chmod 0 ../../closed; exec "$@"',
+    },
+)
+def test_working_directory_in_which_nothing_is_run(site, line):
+    report = site.wb_trial("install", str(site.session), within=NO_RIGHTS + sh(line))
+    says([report.refusal], "the working directory cannot be reached by this user ... change to another")
+    assert report.status == 2 and not site.log.exists()
+
+
+def test_relative_files_from_starts_from_the_folder_of_the_session(site):
+    site.edit("${SESSION_DIR}/product/suite", "product/suite", site.session)
+    report = site.wb_trial("run", "../s.toml", "init_wb_prefs", within=sh('cd product; exec "$@"'))
+    assert report.notes == report.failures == [] and report.status == 0
 
 
 def test_session_without_components(site):

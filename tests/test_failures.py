@@ -45,8 +45,8 @@ SCRIPT = 'the de-integration script "./product/suite/vorn/wb_deintegrate.sh"'
         "rm $uninstall": f"{UNINSTALL} is not there, so nothing undoes",
         "rm $uninstall; mkdir $uninstall": f"{UNINSTALL} is no regular file, so nothing undoes",
         "chmod -x $uninstall": f"{UNINSTALL} cannot be executed (Permission denied), so nothing undoes",
-        "rm -r product/suite/vorn": f"{SCRIPT} cannot be written (No such file or directory); is its folder",
-        "chmod 555 product/suite/vorn": f"{SCRIPT} cannot be written (Permission denied); is its folder",
+        "rm -r product/suite/vorn": f'{SCRIPT} cannot be written: ... vorn" is not there',
+        "chmod 555 product/suite/vorn": f"{SCRIPT} cannot be written (Permission denied)",
         "mkdir $script": f"{SCRIPT} is no regular file; remove it",
     },
 )
@@ -79,7 +79,7 @@ def test_integration_over_another_product(site):
             'the earlier integration in "./second/wr-qev-1.0a" has lost its de-integration script to this one'
         ),
         "chmod 444 $script": (
-            f"{SCRIPT} cannot be written (Permission denied); is its folder\n"
+            f"{SCRIPT} cannot be written (Permission denied)\n"
             'the earlier integration in "./second/wr-qev-1.0a" has lost'
         ),
     },
@@ -111,7 +111,8 @@ def test_script_that_removes_another_copy(site):
         "truncate -s -2 $script": f"{SCRIPT} is there only in part; integrate again\nended with status 2",
         "chmod 311 $script": f"{SCRIPT} cannot be read; integrate again\nended with status 2",
         "rm $script; mkdir $script": f"{SCRIPT} is no regular file; integrate again\nended with status 126",
-        "mv $copy copy; ln -s ../copy $copy": "that the de-integration script removes was not there",
+        "mv $copy copy; ln -s ../copy $copy": "removes was not there; is it uninstalled already?",
+        "mv 'work\\bench' moved": "removes was not there; uninstall from the folder from which",
         "chmod 555 workbench": 'ended with status 1\nthe directory ... /wr-qev-1.0a" is still there; see',
     },
 )
@@ -124,6 +125,13 @@ def test_undoing(site, command, failures):
     assert report.status == (1 if failures else 0)
 
 
+def test_undoing_where_the_workbench_was_moved(site):
+    site.integrate()
+    site.shell("mv workbench moved")
+    failure = "the workbench was moved or removed. Where it was moved, ... move it back and uninstall again"
+    says(site.wb_trial("uninstall", "s.toml").failures, failure)
+
+
 NO_LINE = "the key or the value does not fit into a line of such a file"
 
 
@@ -133,16 +141,18 @@ NO_LINE = "the key or the value does not fit into a line of such a file"
         "chmod 555 $config": "Permission denied",
         "chmod 311 $prefs": "Permission denied",
         "rm $prefs; mkdir $prefs; sed -i 's,share.*txt,part/wr-qev-1.0a/a.prefs,' s.toml": "it is not a regular",
-        r"printf '\357\273\277home=' >$prefs": "it begins with a byte order mark; save it without",
-        r"printf 'home=\000' >$prefs": "it holds a zero byte; is it UTF-16, or no text?",
+        r"printf 'home=\000' >$prefs": "it holds a zero byte; is it UTF-16? Then save it as UTF-8",
         'sed -i \'s/"home"/""/\' s.toml': "the key is empty; is WB_PREFS_INST_DIR set?",
         'sed -i \'s/"home"/"ho=me"/\' s.toml': NO_LINE,
-        r"sed -i 's/\"home\"/\"ho\\nme\"/' s.toml": NO_LINE,
     },
 )
 def test_preferences_file_that_cannot_be_set(site, command, failure):
     site.shell(command)
     fails(site, "init_wb_prefs", f'a.prefs" was not changed: {failure}')
+
+
+def test_key_with_a_line_end(site):
+    says(site.run("init_wb_prefs", variables={"WB_PREFS_INST_DIR": "ho\nme"}).failures, NO_LINE)
 
 
 def test_preferences_file_on_a_full_disk(site):
@@ -156,7 +166,9 @@ def test_preferences_file_keeps_all_else(site):
     site.shell("mkdir -p product/suite/share/wr-qev-1.0a; ln -s product 'p\\x'")
     site.shell("ln -s ../../../real product/suite/share/wr-qev-1.0a/readme.txt")
     real = site.product / "real"
-    real.write_bytes(b"[home]\r\nhomes=1\r\n home = old=er\r\n#home=2\nhome=\nlast \377")
+    real.write_bytes(
+        b"\xef\xbb\xbfhome=0\r\n[home]\r\nhomes=1\r\n home = old=er\r\n#home=2\nhome=\nlast \377"
+    )
     site.shell("cd product; chown 12345 real || :; chmod 604 real; setfacl -m u:nobody:rw real")
     site.shell("setfattr -n user.color -v red product/real || :")
     command = "cd product; stat -c '%u %g %a' real; getfacl -cn real; getfattr -d real"
@@ -169,7 +181,9 @@ def test_preferences_file_keeps_all_else(site):
     assert (site.product / "suite/share/wr-qev-1.0a/readme.txt").is_symlink()
     place = b"p\\x/suite"
     assert real.read_bytes() == (
-        b"[home]\r\nhomes=1\r\nhome="
+        b"\xef\xbb\xbfhome="
+        + place
+        + b"\r\n[home]\r\nhomes=1\r\nhome="
         + place
         + b"\r\n#home=2\nhome="
         + place

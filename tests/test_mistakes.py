@@ -11,12 +11,9 @@ NO_PREFERENCES = 'no listed path contains ".prefs"'
 @keyed_table(
     "assignment, sentence",
     {
+        "VORN_INSTALL_DIR=${SESSION_DIR}/product": "",
         "WB_INTEGRATION_PATH=workbench": '"workbench" is relative: ... write it from the root',
         "VORN_INSTALL_DIR=product": '"product" is relative: ... write it from the root',
-        "VORN_INSTALL_DIR=~/product": 'VORN_INSTALL_DIR is "~/product", ... write the path out',
-        "VORN_INSTALL_DIR=${HOME}/x": 'VORN_INSTALL_DIR is "${HOME}/x", ... write the path out',
-        "VORN_INSTALL_DIR=/absent": 'VORN_INSTALL_DIR is "/absent", which is not there',
-        "VORN_INSTALL_SUBDIR=suite": '"./productsuite", which ... is a slash missing before "suite"',
         "DEFAULT_SEARCH_PATH=/opt/a  /opt/b": "DEFAULT_SEARCH_PATH has two blanks in a row",
         "DEFAULT_SEARCH_PATH= /opt/a": "DEFAULT_SEARCH_PATH ... begins with one; ... write single blanks",
         "log_file=absent/log": 'there is no folder "./absent" for the log; make it',
@@ -31,11 +28,33 @@ def test_mistake_in_a_variable(site, assignment, sentence):
 
 
 @keyed_table(
+    "assignment, refusal",
+    {
+        "VORN_INSTALL_DIR=~/product": 'is "~/product", which is not there; nothing but ${SESSION_DIR} is',
+        "VORN_INSTALL_DIR=${HOME}/x": 'is "${HOME}/x", which is not there; nothing but ${SESSION_DIR} is',
+        "VORN_INSTALL_DIR=$SESSION_DIR/product": "--set: write ${SESSION_DIR}, with braces",
+        "VORN_INSTALL_DIR=${SESSION_DIR}product": "--set: write a slash after ${SESSION_DIR}",
+        "VORN_INSTALL_DIR=s.toml": 'VORN_INSTALL_DIR is "s.toml", which is no directory',
+        "VORN_INSTALL_SUBDIR=suite": '"./productsuite", ... with a slash between them it is: write ... "/suite"',
+    },
+)
+def test_product_that_is_not_there(site, assignment, refusal):
+    report = site.install("--set", assignment)
+    says([report.refusal], refusal)
+    assert report.status == 2
+
+
+@keyed_table(
     "command, sentence",
     {
         ":": "",
+        "mv workbench w; ln -s w workbench; cp /bin/true $setup; touch product/suite/wr-qev-notes": "",
+        "sed -i '1s|.*|#!/usr/bin/env perl|' $setup": "",
         "chmod -x $setup": SCRIPTS + 'setup.sh" is not executable; chmod +x it',
-        "sed -i 1d $setup": "",
+        "sed -i 1d $setup": "has no first line that names its interpreter, so /bin/sh runs it",
+        r"sed -i '1s/^/\xef\xbb\xbf/' $setup": "begins with a byte order mark, so ... /bin/sh runs it",
+        "iconv -t UTF-16 -o $uninstall $setup": 'uninst_wr_qev.sh" is in UTF-16, ... save it as UTF-8',
+        "rm $setup; mkdir $setup": 'setup.sh" is a directory',
         r"sed -i 's/$/\r/' $setup": SCRIPTS
         + 'setup.sh" has lines that end in a carriage return; save it with',
         "sed -i '1s|.*|#!/absent -e|' $uninstall": SCRIPTS
@@ -43,9 +62,15 @@ def test_mistake_in_a_variable(site, assignment, sentence):
         "sed -i '1s|.*|#!/usr/bin/env absent|' $setup": '"absent" in ... which no directory in PATH has',
         "sed -i '1s|.*|#!/usr/bin/env|' $uninstall": 'names no program behind "/usr/bin/env"',
         "sed -i '1s|.*|#!/usr/bin/env -S sh|' $uninstall": "",
-        "rm $uninstall": 'no "uninst_wr_qev.sh" ... but "setup.sh"; without it, nothing undoes what',
-        "rm -r product/suite/vorn": 'no "./product/suite/vorn" for the de-integration script; the product',
-        "mkdir $copy; touch $copy/x": '"./workbench/wr-qev-1.0a" is there, and not by this product ... give',
+        "rm -r $config/wr-setup": '/wr-setup" is not there; the two scripts have to be in it',
+        "rmdir product/suite/vorn": '"./product/suite/vorn" is not there; the product has to bring that',
+        "rmdir product/suite/vorn; touch product/suite/vorn": '"./product/suite/vorn" is no directory',
+        "mkdir $config/../wr-qev-2.0b; touch $config/../wr-qev-2.0b/x": (
+            '"wr-qev-1.0a" counts, for it is listed first, and "wr-qev-2.0b" does not'
+        ),
+        "sed -i s/wr-qev/WR-QEV/ s.toml; mv $config product/suite/part/WR-QEV-1.0a": (
+            r'no configuration; "share\\WR-QEV-1.0a\\readme.txt" differs in case'
+        ),
         "mv $config ${config}b; sed -i s/1.0a/1.0ab/ s.toml": (
             '"share/wr-qev-1.0ab/readme.txt" decides that the configuration is "wr-qev-1.0a", and there '
             'is no such directory in "./product/suite/part"; its name has to be wr-qev- and four characters'
@@ -53,7 +78,10 @@ def test_mistake_in_a_variable(site, assignment, sentence):
         "mv $config ${config%a}; sed -i s/1.0a/1.0/ s.toml": (
             'the configuration is "wr-qev-1.0"; its name has to be wr-qev- and four characters'
         ),
-        "sed -i s,/suite/part,/part, s.toml": 'and subdir make "./product/part", which is not there; is it',
+        "sed -i s,/suite/part,/suit/part, s.toml": 'make "./product/suit/part", which ... is it misspelt?',
+        "sed -i s,/suite/part,/part, s.toml": (
+            'which is not there; with VORN_INSTALL_SUBDIR between them it is: write subdir = "/suite/part"'
+        ),
         "sed -i s/workbench-part/PD-Workbench/ s.toml": 'in its name: "PD-Workbench" (differs in case only)',
         "sed -i 's/files_from.*}/install_condition=false}/' s.toml": f"none is to be\n{NO_PREFERENCES}",
         "sed -i 's/off-workbench.*false/a-workbench\"/' s.toml": (
@@ -103,6 +131,11 @@ def test_no_workbench_that_can_be_used(site, assignment, sentence):
     says(re.findall("^Stopped: (.*)", report.text, re.M), sentence)
     says(report.failures, "validate_wb_path: ... " + sentence)
     assert report.status == 1 and "find_wb_components" not in report.text
+
+
+def test_blank_in_the_search_path(site):
+    report = site.wb_trial("install", "s.toml", variables={"DEFAULT_SEARCH_PATH": "/my bench"})
+    says(report.failures, 'tried: "/my", "bench"; blanks separate them, so name a workbench')
 
 
 @keyed_table(

@@ -27,28 +27,10 @@ namespace trial {
 namespace {
 
 /// What the plug-in reads or writes.
-Texts const known_variables = {"DEFAULT_SEARCH_PATH",
-                               "PATH_STATUS",
-                               "SUPPORTED_VERSION",
-                               "VORN_INSTALL_DIR",
-                               "VORN_INSTALL_SUBDIR",
-                               "WB_INSTALL_SUBDIR",
-                               "WB_INTEGRATION_PATH",
-                               "WB_INTEGRATION_SUPPORTED",
-                               "WB_PREFS",
-                               "WB_PREFS_INST_DIR",
-                               "WORKBENCH_SCRIPT_NAME",
-                               "log_file"};
-
-/// Adds the regular files below `folder`, which lies at `place` in the folder that was named.
-void add_files(fs::path const& folder, fs::path const& place, Texts& files) {
-    for (fs::directory_entry const& entry : fs::directory_iterator(folder)) {
-        fs::path const path = place / entry.path().filename();
-        if (entry.is_symlink()) continue;
-        if (entry.is_directory()) add_files(entry, path, files);
-        if (entry.is_regular_file()) files.push_back(path);
-    }
-}
+auto const known_variables = Texts({"DEFAULT_SEARCH_PATH", "PATH_STATUS", "SUPPORTED_VERSION",
+                                    "VORN_INSTALL_DIR", "VORN_INSTALL_SUBDIR", "WB_INSTALL_SUBDIR",
+                                    "WB_INTEGRATION_PATH", "WB_INTEGRATION_SUPPORTED", "WB_PREFS",
+                                    "WB_PREFS_INST_DIR", "WORKBENCH_SCRIPT_NAME", "log_file"});
 
 /// What to do where the text is no TOML because of a usual slip in that line, or nothing.
 std::string remedy(std::string const& text, toml::parse_error const& error) {
@@ -137,13 +119,17 @@ class Reader {
         session_.components.push_back(std::move(component));
     }
 
-    /// Adds them sorted.
-    void add_files_from(toml::node const& folder, Texts& files) {
+    /// Adds the regular files below it, sorted, by their paths in it.
+    void add_files_from(toml::node const& node, Texts& files) const {
         auto const listed = static_cast<std::ptrdiff_t>(files.size());
+        fs::path const folder = folder_ / text("files_from", node);
         try {
-            add_files(folder_ / text("files_from", folder), "", files);
+            for (fs::directory_entry const& entry : fs::recursive_directory_iterator(folder))
+                if (!entry.is_symlink() && entry.is_regular_file())
+                    files.push_back(entry.path().lexically_relative(folder));
         } catch (fs::filesystem_error const& error) {
-            refuse(folder, "files_from: " + error.code().message() + ": " + error.path1().string());
+            refuse(node, "files_from: cannot list all of " + folder.string() + ": " +
+                             error.code().message());
         }
         std::sort(files.begin() + listed, files.end());
     }
@@ -163,7 +149,12 @@ class Reader {
 
     std::string text(std::string_view key, toml::node const& node) const {
         if (!node.is_string()) refuse(node, std::string(key) + " has to be a string");
-        return replaced(place(node), node.ref<std::string>());
+        std::string const& text = node.ref<std::string>();
+        if (std::any_of(text.begin(), text.end(),
+                        [](unsigned char byte) { return std::iscntrl(byte) != 0; }))
+            refuse(node, std::string(key) + " holds a control character: in double quotes a "
+                                            "backslash begins one; write it in single quotes");
+        return replaced(place(node), text);
     }
 
     /// The text with the folder's path in the place of its name.

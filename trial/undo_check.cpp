@@ -61,8 +61,8 @@ std::string fault(std::string const& script, std::string const& removed, std::st
 /// Why there is no copy to be removed, and what to do.
 std::string why_no_copy(fs::path const& copy) {
     std::error_code unreachable;
-    if (copy.is_relative()) return "uninstall from the folder from which it was installed";
     if (fs::exists(copy.parent_path(), unreachable)) return "is it uninstalled already?";
+    if (copy.is_relative()) return "uninstall from the folder from which it was installed";
     return "the workbench was moved or removed. Where it was moved, the product is still "
            "integrated in it; move it back and uninstall again";
 }
