@@ -170,10 +170,7 @@ class ProductCheck {
 
     void check_product() {
         if (!for_workbench_.empty())
-            if (std::string const fault =
-                    fault_of_joined(session_, "subdir", for_workbench_[0]->subdirectory);
-                !fault.empty())
-                add(fault);
+            add(fault_of_joined(session_, "subdir", for_workbench_[0]->subdirectory));
         fs::path const folder = fs::path(deintegration_script(session_)).parent_path();
         std::string const fault = fault_of_directory(folder);
         if (is_there(folder.parent_path()) && !fault.empty())
@@ -214,7 +211,7 @@ class ProductCheck {
                 " counts, for it is listed first, and " + show(other) +
                 " does not; is one of them an old version?");
         if (is_there(part + "/" + name)) check_scripts(part + "/" + name + "/wr-setup");
-        if (std::string const earlier = find_earlier_copy(session_); !earlier.empty()) add(earlier);
+        add(find_earlier_copy(session_));
     }
 
     void check_case() {
@@ -262,7 +259,10 @@ class ProductCheck {
         add("no listed path contains " + show(text) + ", the text in WB_PREFS");
     }
 
-    void add(std::string const& sentence) { mistakes_.push_back(sentence); }
+    /// An empty sentence is none.
+    void add(std::string const& sentence) {
+        if (!sentence.empty()) mistakes_.push_back(sentence);
+    }
 
     Session const& session_;
     std::vector<ProductComponent const*> installed_, for_workbench_;
