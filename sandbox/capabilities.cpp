@@ -43,10 +43,14 @@ bool has_rights_of_root() {
 }
 
 std::set<int> forbidden_capabilities() {
-    std::set<int> forbidden = {CAP_SYS_ADMIN, CAP_SYS_PTRACE, CAP_SYS_CHROOT, CAP_MKNOD,
-                               CAP_SYS_RAWIO, CAP_SYS_MODULE, CAP_SYS_TIME,   CAP_PERFMON};
+    // What a script needs on a disk, and for the users and daemons that it makes.
+    std::set<int> const granted = {
+        CAP_CHOWN,    CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH, CAP_FOWNER,  CAP_FSETID,
+        CAP_KILL,     CAP_SETGID,       CAP_SETUID,          CAP_SETPCAP, CAP_NET_BIND_SERVICE,
+        CAP_IPC_LOCK, CAP_SYS_NICE,     CAP_AUDIT_WRITE,     CAP_SETFCAP};
+    std::set<int> forbidden;
     for (int number = 0, held = 0; (held = prctl(PR_CAPBSET_READ, number)) >= 0; ++number)
-        if (held == 0) forbidden.insert(number);
+        if (held == 0 || granted.count(number) == 0) forbidden.insert(number);
     return forbidden;
 }
 
@@ -54,8 +58,13 @@ void drop_capabilities(std::set<int> const& forbidden, bool is_root) {
     for (int const capability : forbidden)
         require(prctl(PR_CAPBSET_DROP, capability) == 0, "drop a capability");
     Capabilities kept;
-    kept.sets[0].permitted = CAP_TO_MASK(CAP_DAC_READ_SEARCH);
-    if (!is_root) require(kept.set(), "drop all capabilities");
+    require(kept.get(), "read the capabilities");
+    for (auto& set : kept.sets) {
+        set.inheritable = 0; // the bounding set does not hold these back
+        if (!is_root) set.effective = set.permitted = 0;
+    }
+    if (!is_root) kept.sets[0].permitted = CAP_TO_MASK(CAP_DAC_READ_SEARCH);
+    require(kept.set(), "drop capabilities");
 }
 
 ReadingRights::ReadingRights() {

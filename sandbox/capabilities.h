@@ -9,8 +9,8 @@ namespace sandbox {
 /// Whether this process can do without a user namespace, as root can who is not confined.
 bool has_rights_of_root();
 
-/// What nothing in the sandbox may have: what this process lets nobody have now, and what leads
-/// out.
+/// Those that nothing in the sandbox gets: all but a short list, and what this process lets nobody
+/// have now. To be asked before a user namespace is entered, for that gives all of them back.
 std::set<int> forbidden_capabilities();
 
 /// Takes them from all that is run. An ordinary user's process itself keeps only what ReadingRights

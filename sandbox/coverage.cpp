@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "sandbox/ownership.h"
 #include "sandbox/sandbox.h"
 
 namespace fs = std::filesystem;
@@ -35,8 +36,8 @@ bool is_kernels_own(fs::path const& directory) {
 /// Whether this user's overlay could change what lies in it.
 bool is_own(fs::path const& directory) {
     struct stat status {};
-    return stat(directory.c_str(), &status) == 0 && status.st_uid == geteuid() &&
-           status.st_gid == getegid() && access(directory.c_str(), R_OK | X_OK) == 0;
+    return stat(directory.c_str(), &status) == 0 && has_own_ids(status) &&
+           !names_others(directory.c_str(), true) && access(directory.c_str(), R_OK | X_OK) == 0;
 }
 
 /// Whether all directories from below `outer` down to `directory` are this user's own. An ordinary
@@ -59,10 +60,13 @@ class Plan {
     explicit Plan(bool is_root) : is_root_(is_root) { read_mounts(); }
 
     void cover(fs::path const& directory) {
-        if (access(directory.c_str(), R_OK | X_OK) != 0) return;
-        if (is_root_ || first_below(coverage_.mounts, directory).empty())
-            coverage_.directories.insert(directory);
-        else cover_inside(directory);
+        struct stat status {};
+        if (access(directory.c_str(), R_OK | X_OK) != 0 || stat(directory.c_str(), &status) != 0)
+            return;
+        if (!is_root_ && !first_below(coverage_.mounts, directory).empty())
+            return cover_inside(directory);
+        coverage_.directories.insert(directory);
+        if (!is_root_ && status.st_uid != geteuid()) coverage_.foreign.insert(directory);
     }
 
     void cover_inside(fs::path const& directory) {

@@ -11,6 +11,7 @@ namespace sandbox {
 struct Coverage {
     std::set<std::filesystem::path> directories; ///< to be covered, parents first
     std::set<std::filesystem::path> mounts;      ///< the places of all mounts that can be seen
+    std::set<std::filesystem::path> foreign; ///< those with another owner than this ordinary user
 };
 
 /// Covers the directories in "/", the mounts below them, and the ones that are named, each as far

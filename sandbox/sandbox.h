@@ -1,7 +1,8 @@
 #pragma once
 
 // A disk that looks as it is and stays as it is, by Linux namespaces and overlays. It holds back
-// accidents and not an attacker: the network, devices and local sockets are reached as ever.
+// accidents and not an attacker: the network, devices and daemons that listen on a socket outside
+// of the overlays are reached as ever.
 
 #include <filesystem>
 #include <functional>
@@ -16,21 +17,24 @@ namespace sandbox {
 
 struct Directories {
     std::vector<std::filesystem::path> needed; ///< without one of these there is no sandbox
-    std::vector<std::filesystem::path> own;    ///< of these the ones to belong to this user
     std::vector<std::filesystem::path> wanted; ///< these are covered as far as the kernel lets
 };
 
 /// What can change in the sandbox.
 struct Inside {
     std::vector<Watched> directories; ///< parents first
-    /// Of the wanted directories those that cannot change as a whole, each with the mount that is
-    /// in the way.
-    std::map<std::filesystem::path, std::filesystem::path> obstacles;
+    /// The wanted directories that could be written outside and are read-only here, each with why.
+    std::map<std::filesystem::path, std::string> read_only;
 };
 
 /// There can be no sandbox, and nothing was run: the cause and, where there is one, the remedy.
 struct Refused : std::runtime_error {
     using std::runtime_error::runtime_error;
+};
+
+/// Refused for want of descriptors, of which a user can often have more.
+struct DescriptorsRefused : Refused {
+    using Refused::Refused;
 };
 
 /// Both throw Refused; `require` with what errno says, where `succeeds` is false.

@@ -69,7 +69,7 @@ class Check {
             return;
         }
         sequence_.call("perform_deintegration");
-        for (std::string const& process : sandbox::left_running())
+        for (std::string const& process : sandbox::orphans())
             fail("still running after the uninstall: " + process);
         judge(changes);
     }
@@ -240,13 +240,13 @@ void end_children() {
 
 } // namespace
 
-ExitStatus check(Session const& session, Sequence& sequence, Report& report) {
+ExitStatus check(Session& session, Sequence& sequence, Report& report) {
     Check trial(session, sequence, report);
     return run_in_sandbox(session, report,
                           [&](ChangeReport const& changes) { trial.run(changes); });
 }
 
-ExitStatus check_without_sandbox(Session const& session, Sequence& sequence, Report& report) {
+ExitStatus check_without_sandbox(Session& session, Sequence& sequence, Report& report) {
     Check trial(session, sequence, report);
     HeldSignals const signals; // until the copies are removed
     CopyFolder const copies(trial.places());

@@ -10,10 +10,9 @@
 
 namespace trial {
 
-ExitStatus check(installer::Session const& session, Sequence& sequence, Report& report);
+ExitStatus check(installer::Session& session, Sequence& sequence, Report& report);
 
 /// On the real disk. The workbench and the product are compared with copies made before.
-ExitStatus check_without_sandbox(installer::Session const& session, Sequence& sequence,
-                                 Report& report);
+ExitStatus check_without_sandbox(installer::Session& session, Sequence& sequence, Report& report);
 
 } // namespace trial

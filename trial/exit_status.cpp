@@ -10,6 +10,7 @@ namespace trial {
 namespace {
 
 ExitStatus print(std::exception const& error, ExitStatus status) {
+    std::cout.flush(); // a child that ends flushes nothing
     std::cerr << "wb-trial: " << installer::printable(error.what()) << '\n';
     return status;
 }
@@ -25,6 +26,8 @@ ExitStatus status_or_error(std::function<ExitStatus()> const& work) {
     try {
         return work();
     } catch (StartError const& error) {
+        return print(error, not_started);
+    } catch (sandbox::DescriptorsRefused const& error) {
         return print(error, not_started);
     } catch (sandbox::Refused const& error) {
         std::string const advice = "; where the disk may change, use wb-trial check --no-sandbox";

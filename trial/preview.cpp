@@ -1,6 +1,9 @@
 #include "trial/preview.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
+#include <fstream>
 #include <iostream>
 #include <set>
 
@@ -21,29 +24,32 @@ std::string environment(char const* name, std::string const& otherwise) {
     return value && *value ? value : otherwise;
 }
 
-/// The folder that a log makes a file in or changes one in; nothing where it is a device or a pipe.
-fs::path log_folder(fs::path const& log) {
+/// Says what cannot change here and could outside, and names the commands a temporary directory
+/// that can in the place of such a one.
+void report_read_only(sandbox::Inside const& inside, fs::path const& temporary, Report& report) {
+    std::set<std::string> told;
+    for (auto const& [directory, why] : inside.read_only)
+        if (told.insert(why).second)
+            report.note(directory.string() + " cannot change as a whole here, because " + why);
     std::error_code absent;
-    bool const is_file = log.parent_path() != "/dev" && !fs::is_other(log, absent);
-    return is_file ? log.parent_path() : fs::path();
+    if (inside.read_only.count(fs::canonical(temporary, absent)) == 0) return;
+    for (std::string const& name : {std::string("/tmp"), std::string("/var/tmp"),
+                                    std::string("/dev/shm"), environment("HOME", "/")})
+        if (fs::is_directory(name, absent) && access(name.c_str(), W_OK) == 0) {
+            setenv("TMPDIR", name.c_str(), 1);
+            return;
+        }
 }
 
-/// Says what cannot change, and names the commands a temporary directory that can.
-void adapt_to(sandbox::Inside const& inside, std::string const& temporary, Report& report) {
-    std::set<fs::path> told;
-    for (auto const& [directory, mount] : inside.obstacles)
-        if (told.insert(mount).second)
-            report.note(directory.string() +
-                        " cannot change as a whole here, because of the mount at " +
-                        mount.string());
-    for (std::string const& name : {temporary, std::string("/tmp"), std::string("/var/tmp"),
-                                    std::string("/dev/shm"), environment("HOME", "/")}) {
-        std::error_code absent;
-        if (!fs::is_directory(name, absent) || inside.obstacles.count(fs::canonical(name)) != 0)
-            continue;
-        if (name != temporary) setenv("TMPDIR", name.c_str(), 1);
-        return;
-    }
+bool is_writable_log(fs::path const& log) {
+    std::error_code absent;
+    if (!fs::exists(log, absent)) return access(log.parent_path().c_str(), W_OK | X_OK) == 0;
+    return !fs::is_directory(log) && access(log.c_str(), W_OK) == 0;
+}
+
+/// Also whether it can be opened: in the place of a FIFO there is one without the reader outside.
+bool can_open_log(fs::path const& log) {
+    return !fs::is_fifo(log) && std::ofstream(log, std::ios::app);
 }
 
 } // namespace
@@ -75,18 +81,23 @@ bool ChangeReport::is_secret(std::string const& path) const {
     return !is_sessions && (rights & fs::perms::others_read) == fs::perms::none;
 }
 
-ExitStatus run_in_sandbox(Session const& session, Report& report,
+ExitStatus run_in_sandbox(Session& session, Report& report,
                           std::function<void(ChangeReport const&)> const& work) {
     std::string const temporary = environment("TMPDIR", "/tmp");
-    fs::path const workbench = workbench_directory(session), product = product_directory(session);
+    fs::path const log = log_file(session);
+    bool const is_log_writable = is_writable_log(log);
     sandbox::Directories const named = {
-        {workbench, product, log_folder(log_file(session))},
-        {workbench, product},
-        {environment("HOME", ""), temporary, "/tmp", "/var/tmp", "/dev/shm"}};
+        {workbench_directory(session), product_directory(session)},
+        {environment("HOME", ""), temporary, "/tmp", "/var/tmp", "/dev/shm", log.parent_path()}};
     auto const run_and_report = [&](sandbox::Inside const& inside) -> int {
         return status_or_error([&] {
-            adapt_to(inside, temporary, report);
             installer::Host::current().separates_commands = true;
+            report_read_only(inside, temporary, report);
+            if (is_log_writable && !can_open_log(log)) {
+                report.note("the log " + log.string() +
+                            " cannot be written here; its lines go to standard error");
+                session.variables["log_file"].clear(); // it is lost anyway, and so no failure
+            }
             work(ChangeReport(inside.directories, session, report));
             std::cout << "Nothing on the disk was changed.\n";
             return report.finish();
@@ -95,12 +106,12 @@ ExitStatus run_in_sandbox(Session const& session, Report& report,
     return ExitStatus(sandbox::run(named, run_and_report));
 }
 
-ExitStatus preview(Session const& session, Report& report, std::string const& title,
+ExitStatus preview(Session& session, Report& report, std::string const& title,
                    std::function<void()> const& work) {
     return run_in_sandbox(session, report, [&](ChangeReport const& changes) {
         work();
         changes.show(title, changes.find());
-        for (std::string const& process : sandbox::left_running())
+        for (std::string const& process : sandbox::orphans())
             report.note("still running: " + process);
     });
 }

@@ -39,13 +39,13 @@ class ChangeReport {
     Report& report_;
 };
 
-/// Runs `work` in a sandbox, and returns the status of the report. Throws sandbox::Refused where
-/// nothing was run.
-ExitStatus run_in_sandbox(installer::Session const& session, Report& report,
+/// Runs `work` in a sandbox, and returns the status of the report. A log that can be written
+/// outside alone is taken out of the session. Throws sandbox::Refused where nothing was run.
+ExitStatus run_in_sandbox(installer::Session& session, Report& report,
                           std::function<void(ChangeReport const&)> const& work);
 
 /// Runs `work` in a sandbox, and prints below `title` what it changed.
-ExitStatus preview(installer::Session const& session, Report& report, std::string const& title,
+ExitStatus preview(installer::Session& session, Report& report, std::string const& title,
                    std::function<void()> const& work);
 
 } // namespace trial
