@@ -63,8 +63,9 @@ std::string read_text(fs::path const& file) {
     std::ifstream stream(file);
     if (!stream.is_open()) throw std::system_error(errno, std::generic_category());
     std::string text{std::istreambuf_iterator<char>(stream), {}};
-    if (text.find('\0') != std::string::npos)
-        throw std::runtime_error("it holds a zero byte; is it UTF-16? Then save it as UTF-8");
+    bool const has_mark = text.rfind("\xff\xfe", 0) == 0 || text.rfind("\xfe\xff", 0) == 0;
+    if (has_mark || text.find('\0') != std::string::npos)
+        throw std::runtime_error("it is in UTF-16, or no text; save it as UTF-8");
     return text;
 }
 
