@@ -21,7 +21,8 @@ bool leads_elsewhere(std::string const& configuration) {
 int perform_integration(session_t* session) {
     open_log(session);
     print_log("workbench_int: perform_integration entered");
-    std::string const workbench = path(env_get_string(session, "WB_INTEGRATION_PATH"));
+    std::string const chosen = env_get_string(session, "WB_INTEGRATION_PATH");
+    std::string const workbench = path(chosen);
     std::string const found = get_wb_integration(session->tsd.components());
     std::string const configuration = path(found);
     print_log("workbench_int: path to workbench: %s", workbench.c_str());
@@ -34,7 +35,7 @@ int perform_integration(session_t* session) {
     std::string component_dir = env_get_string(session, "VORN_INSTALL_DIR");
     component_dir += env_get_string(session, "WB_INSTALL_SUBDIR");
     std::string const source_dir = path(component_dir + "/" + configuration);
-    if (!is_dir(workbench)) {
+    if (!is_dir(workbench) || chosen.empty()) {
         print_log("workbench_int: workbench path: %s does not exist or not a directory",
                   workbench.c_str());
         return -1;

@@ -27,9 +27,29 @@ TEST(Actions, MakeTheseHostCallsAndNoOthers) {
         if (line[0] != '#') expected += line + "\n";
     EXPECT_EQ(shown, expected);
 
-    site.host.session.variables["SUPPORTED_VERSION"] = "";
+    auto& variables = site.host.session.variables;
+    variables["SUPPORTED_VERSION"] = "";
+    variables["log_file"] = "";
     site.run(workbench_int::validate_wb_path);
+    EXPECT_EQ(site.calls[1], "log_init(\"\") = 0");
     EXPECT_EQ(site.calls.end()[-2], "print_log(\"workbench_int: empty SUPPORTED_VERSION\")");
+    variables["SUPPORTED_VERSION"] = " 3.1;3.1"; // a blank belongs to a version, which ";" ends
+    site.run(workbench_int::validate_wb_path);
+    EXPECT_EQ(variables["PATH_STATUS"], "unsupported");
+}
+
+TEST(Actions, TakeAProviderThatIsGoneForOneWithoutFiles) {
+    struct FickleSite : Site {
+        std::unique_ptr<installer::FileProvider> gone;
+        void ends(std::string const& call) override {
+            Site::ends(call);
+            if (call == "provider(\"workbench\") = set")
+                gone = std::move(host.session.components.front()->file_provider);
+        }
+    };
+    FickleSite site;
+    EXPECT_EQ(get_wb_integration(site.host.session.tsd.components()), "");
+    EXPECT_EQ(site.calls.back(), "provider(\"workbench\") = null");
 }
 
 TEST(Actions, ReachAProvidersOperationsByTheirPositions) {

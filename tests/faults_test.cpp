@@ -26,7 +26,11 @@ TEST(Faults, ReachTheCallerAndLeaveTheScriptWhole) {
             if (has_to_fail()) throw std::bad_alloc();
             is_host_at_work = true;
         }
-        void ends(std::string const& /*call*/) override { is_host_at_work = false; }
+        void ends(std::string const& call) override {
+            is_host_at_work = false;
+            preferences += int(call.rfind("IniDb(", 0) == 0) - int(call == "~IniDb()");
+        }
+        int preferences = 0; ///< open ones
     };
     for (char const* const name : trial::action_names) {
         auto const action = plugin.action(name);
@@ -44,6 +48,7 @@ TEST(Faults, ReachTheCallerAndLeaveTheScriptWhole) {
             }
             EXPECT_EQ(std::exchange(remaining, 0) <= 0, fails) << "the fault was swallowed";
             EXPECT_TRUE(fails || point > 10);
+            EXPECT_EQ(site.preferences, 0);
             EXPECT_EQ(read_file(site.script), script);
             EXPECT_EQ(site.run(action), 0);
             EXPECT_EQ(site.host.outcome.failures, Texts());

@@ -1,11 +1,10 @@
 #include "workbench/deintegration_script.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <fstream>
-#include <locale>
 
 #include "host/services.h"
 #include "workbench/shell_quote.h"
@@ -24,6 +23,32 @@ std::string script_text(std::string const& config_dir) {
            "\n";
 }
 
+struct Descriptor {
+    int const number; ///< negative where nothing is open
+    ~Descriptor() { close(number); }
+};
+
+/// Opens the script, which is made where it is absent. Does not wait for the reader of a FIFO.
+int open_script(char const* script_path) {
+    constexpr int flags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
+    constexpr mode_t mode = 0666;
+    int const script = open(script_path, flags, mode);
+    if (script >= 0 || errno != ELOOP) return script;
+    // Whoever may write into the product could lead root's writing anywhere by a link.
+    return unlink(script_path) == 0 ? open(script_path, flags | O_EXCL, mode) : -1;
+}
+
+/// Whether nothing is left of an earlier script. What is no regular file has nothing to lose.
+bool is_emptied(int script) {
+    return ftruncate(script, 0) == 0 || errno == EINVAL;
+}
+
+void write_all(int script, std::string const& text) {
+    ssize_t count = 0;
+    for (std::size_t written = 0; written < text.size(); written += static_cast<std::size_t>(count))
+        if ((count = write(script, &text[written], text.size() - written)) <= 0) return;
+}
+
 int report_unopened(std::string const& script_path) {
     print_log("workbench_int: failed to open %s", script_path.c_str());
     return -1;
@@ -35,18 +60,14 @@ int report_unopened(std::string const& script_path) {
 
 int create_deintegration_script(std::string script_path, std::string config_dir) {
     print_log("workbench_int: trying to create %s", script_path.c_str());
-    std::ofstream script;
-    script.imbue(std::locale::classic());
-    script.open(script_path, std::ios::app);
-    if (!script.is_open()) return workbench_int::report_unopened(script_path);
+    workbench_int::Descriptor const script{workbench_int::open_script(script_path.c_str())};
+    if (script.number < 0) return workbench_int::report_unopened(script_path);
     std::string const text = workbench_int::script_text(config_dir);
 
-    // An earlier script is gone only from here on, where nothing is left that could throw. What is
-    // no regular file has nothing to lose.
-    bool const is_emptied = truncate(script_path.c_str(), 0) == 0 || errno == EINVAL;
-    if (!is_emptied) return workbench_int::report_unopened(script_path);
-    script << text;
-    script.close();
-    chmod(script_path.c_str(), 0755);
+    // An earlier script is gone only from here on, where nothing is left that could throw.
+    if (!workbench_int::is_emptied(script.number))
+        return workbench_int::report_unopened(script_path);
+    workbench_int::write_all(script.number, text);
+    fchmod(script.number, 0755);
     return 0;
 }
