@@ -1,7 +1,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <set>
 #include <utility>
 #include <vector>
 
@@ -13,9 +12,9 @@ namespace hostcheck {
 
 static std::ofstream report;
 static std::vector<std::string> unlogged, faults;
-static std::set<std::string> failed; // operations
-static int count = 0;
-static bool logs = false; // each line, those before too
+static std::string skipped;       // why the promise is not tried
+static int count = 0, broken = 0; // promises
+static bool logs = false;         // each line, those before too
 
 /// Writes one line at once, whatever it quotes, so that the last one says where a crash was.
 static void write(std::string line) try {
@@ -32,7 +31,8 @@ static void write(std::string line) try {
 
 void promise(char const* operation, char const* text, std::function<void()> const& attempt) {
     faults.clear();
-    write(std::string("# calling ") + operation);
+    skipped.clear();
+    note(std::string("calling ") + operation);
     try {
         attempt();
     } catch (std::exception const& error) {
@@ -40,10 +40,11 @@ void promise(char const* operation, char const* text, std::function<void()> cons
     } catch (...) {
         fault("something came out that is no std::exception");
     }
-    char const* const verdict = faults.empty() ? "ok " : "not ok ";
-    write(verdict + std::to_string(++count) + " - " + operation + ": " + text);
+    std::string verdict = faults.empty() ? "ok " : "not ok ";
+    verdict += std::to_string(++count) + " - " + operation + ": " + text;
+    write(faults.empty() && !skipped.empty() ? verdict + " # SKIP " + skipped : verdict);
     for (std::string const& what : faults) write("  # " + what);
-    if (!faults.empty()) failed.insert(operation);
+    broken += int(!faults.empty());
 }
 
 void fault(std::string const& what) {
@@ -57,10 +58,18 @@ void expect(std::string const& expected, std::string const& found) {
     if (expected != found) fault("expected " + shown(expected) + ", found " + shown(found));
 }
 
+void skip(char const* reason) {
+    skipped = reason;
+}
+
+void note(std::string const& text) {
+    write("# " + text);
+}
+
 std::string read_file(std::string const& file) {
-    std::string text = "(cannot be read)";
-    std::getline(std::ifstream(file), text, '\0');
-    return text;
+    std::ifstream stream(file);
+    if (!stream) return "(cannot be read)";
+    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 void write_file(std::string const& file, std::string const& text, unsigned int mode) {
@@ -69,18 +78,16 @@ void write_file(std::string const& file, std::string const& text, unsigned int m
     fs::permissions(file, fs::perms(mode));
 }
 
-/// Returns how many operations broke a promise.
+/// Returns how many promises were broken.
 static int check_installer(session_t* session) {
     std::error_code error;
     std::string folder = fs::temp_directory_path(error) / "hostcheck-XXXXXX";
     char const* const file = std::getenv("HOSTCHECK_REPORT");
     if (file) report.open(file);
     write("TAP version 13");
-    if (file && !report) write(std::string("# HOSTCHECK_REPORT cannot be written: ") + file);
-    if (error || !mkdtemp(folder.data())) {
-        write("Bail out! TMPDIR names no directory that can be written");
-        return 1;
-    }
+    if (file && !report) note(std::string("HOSTCHECK_REPORT cannot be written: ") + file);
+    if (error || !mkdtemp(folder.data()))
+        return write("Bail out! TMPDIR names no directory that can be written"), 1;
     variables(session, folder);
     log(session, folder);
     logs = true; // the installer's own is open
@@ -88,16 +95,16 @@ static int check_installer(session_t* session) {
         check(session, folder);
     write("1.." + std::to_string(count));
     fs::remove_all(folder, error);
-    return int(failed.size());
+    if (error) note(folder + " stays: " + error.message());
+    return broken;
 }
 
 } // namespace hostcheck
 
 // Whichever action the installer calls first tries it. All return the same.
 extern "C" int find_wb_components(session_t* session) {
-    static int const failed = hostcheck::check_installer(session);
-    return failed;
+    static int const broken = hostcheck::check_installer(session);
+    return broken;
 }
-using Action = int(session_t*);
-extern "C" [[gnu::alias("find_wb_components")]] Action validate_wb_path, detect_wb_in_default_path,
-    perform_integration, perform_deintegration, init_wb_prefs;
+extern "C" [[gnu::alias("find_wb_components")]] decltype(find_wb_components) validate_wb_path,
+    detect_wb_in_default_path, perform_integration, perform_deintegration, init_wb_prefs;

@@ -13,9 +13,13 @@ namespace hostcheck {
 /// Tries one promise of an operation. Whatever it throws is a fault too.
 void promise(char const* operation, char const* text, std::function<void()> const& attempt);
 
-/// Within a promise: notes a fault, the second where the two are not the same.
+/// Within a promise: notes a fault; one where the two are not the same; why it cannot be tried.
 void fault(std::string const& what);
 void expect(std::string const& expected, std::string const& found);
+void skip(char const* reason);
+
+/// Writes a comment into the report at once. "calling" and an operation names it if it crashes.
+void note(std::string const& text);
 
 std::string read_file(std::string const& file);
 void write_file(std::string const& file, std::string const& text, unsigned int mode = 0644);

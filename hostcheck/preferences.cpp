@@ -1,32 +1,45 @@
+#include <memory>
+#include <regex>
+#include <sstream>
+
 #include "host/ini_db.h"
-
-#include <fstream>
-
 #include "hostcheck/hostcheck.h"
 
-static void expect_value(std::string const& file, char const* key, char const* value) {
-    std::ifstream stream(file);
-    for (std::string name, found; std::getline(stream, name, '=');) {
-        std::getline(stream >> std::ws, found);
-        if (name.find(key) != std::string::npos) return hostcheck::expect(value, found);
-    }
-    hostcheck::fault(std::string("no value is there for ") + key);
+static std::string const others = "first=1\nhomes=2\nmyhome=3\nat.home.too=4\nHome=5\nHOME=6\n"
+                                  "other=home\nbytes=C:\\a\\nb caf\xc3\xa9 \xff\nlong=" +
+                                  std::string(2U << 10, 'x') + "\n";
+
+/// Notes a fault where the line is not the only one with its key. Blanks may stand around both.
+static void expect_line(std::string const& file, std::string const& line) {
+    std::string const key = "\n" + line.substr(0, line.find('=') + 1);
+    std::string const text = std::regex_replace("\n" + hostcheck::read_file(file) + "\n",
+                                                std::regex("[ \t\r]*(=|\n)[ \t]*"), "$1");
+    std::size_t const begin = text.find(key) + 1; // 0, an empty line, where there is none
+    hostcheck::expect(line, text.substr(begin, text.find('\n', begin) - begin));
+    if (text.find(key, begin) != std::string::npos) hostcheck::fault("it is there twice");
 }
 
 void hostcheck::preferences(session_t*, std::string const& folder) {
-    auto const set_home = [&](std::string const& name, char const* before) {
-        write_file(folder + "/" + name, before);
-        IniDb preferences(folder, name, std::string("="));
-        preferences.setValue("home", "/opt/my product", true);
-        preferences.save();
-        expect_value(folder + "/" + name, "home", "/opt/my product");
+    std::string const name = "part/x.prefs", with = folder + "/with", without = folder + "/without";
+    auto const set = [&](std::string const& location, std::string const& before) {
+        write_file(location + "/" + name, before);
+        auto preferences = std::make_unique<IniDb>(location, name, std::string("="));
+        preferences->setValue("home", location, true);
+        preferences->save();
+        preferences.reset();
+        expect_line(location + "/" + name, "home=" + location);
     };
-    promise("IniDb", "a key that is there gets the value, with its blanks",
-            [&] { set_home("with", "first=1\nhome=old\nlast=2\n"); });
-    promise("IniDb", "a key that is not there is added", [&] { set_home("without", "first=1\n"); });
+    promise("IniDb", "a key that is there gets the value",
+            [&] { set(with, others + "home=old\nlast=7\n"); });
+    promise("IniDb", "a key that is not there is added", [&] { set(without, others + "last=7"); });
     promise("IniDb", "other keys are kept", [&] {
-        expect_value(folder + "/with", "first", "1");
-        expect_value(folder + "/with", "last", "2");
-        expect_value(folder + "/without", "first", "1");
+        std::istringstream lines(others + "last=7\n");
+        for (std::string line; std::getline(lines, line);)
+            for (std::string const& location : {with, without})
+                expect_line(location + "/" + name, line);
+    });
+    promise("IniDb", "a long or an odd location is written whole", [&] {
+        set(folder + "/my product/$a#b=c caf\xc3\xa9\xff", "home=old\n");
+        set(folder + "/" + std::string(150, 'x') + "/" + std::string(150, 'y'), "home=old\n");
     });
 }

@@ -188,7 +188,9 @@ void copy_attributes(fs::path const& model, fs::path const& file, Outcome& outco
 
 void create_folder(fs::path const& directory, mode_t mode, Outcome& outcome) {
     require(!fs::is_symlink(directory), directory, ENOTDIR);
-    fs::create_directories(directory);
+    fs::path const parent = directory.parent_path();
+    if (!parent.empty() && !fs::exists(parent)) create_folder(parent, mode, outcome);
+    fs::create_directory(directory);
     set_folder_mode(directory, mode, outcome);
 }
 

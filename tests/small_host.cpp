@@ -1,8 +1,9 @@
-// usage: small_host LIBRARY [PROMISE]
+// usage: small_host LIBRARY BREAK ACTION...
 // An installer that does no more than it has to, for either set of headers. It loads the library,
-// calls one action and prints its result. It breaks the promise that is given.
+// calls the actions and prints their results. BREAK names the one thing that it does wrong.
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,30 +24,32 @@ namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
 
 static std::string broken;
-static bool breaks(char const* promise) {
-    return broken.find(promise) != std::string::npos;
+static bool breaks(char const* name) {
+    return broken == name;
 }
 
 static std::map<std::string, std::string> variables;
 static std::map<std::string, char const*> uncopied;
 
 std::string env_get_string(session_t*, char const* name) {
-    if (breaks("exception") && variables.count(name) == 0) throw std::runtime_error("no");
-    if (breaks("as characters") && uncopied.count(name) != 0) return uncopied[name];
-    if (breaks("not held") && variables.count(name) == 0) return "none";
-    return variables[name];
+    bool const is_held = variables.count(name) != 0;
+    if (breaks("throws a number") && !is_held) throw 1;
+    if (breaks("keeps characters by address") && uncopied.count(name) != 0) return uncopied[name];
+    if (breaks("reads what is not held") && !is_held) return "no\nne";
+    std::string const value = variables[name];
+    return breaks("reads one blank for two") ? value.substr(0, value.find("  ")) : value;
 }
 
 using Set = decltype(env_set_string(nullptr, "", ""));
 Set env_set_string(session_t*, char const* name, char const* value) {
-    if (breaks("another variable stays")) variables.clear();
+    if (breaks("forgets other variables")) variables.clear();
     uncopied[name] = value;
     variables[name] = value;
     return Set();
 }
 Set env_set_string(session_t*, std::string const& name, std::string const& value) {
     uncopied.erase(name);
-    variables[name] = breaks("as strings") ? "" : value;
+    variables[name] = breaks("loses strings") ? "" : value;
     return Set();
 }
 
@@ -54,11 +57,11 @@ static std::ofstream log_stream;
 static std::string log_file;
 using Opened = decltype(log_init("", static_cast<logging_state_t**>(nullptr)));
 Opened log_init(char const* file, logging_state_t**) {
-    if (breaks("empty name") && !*file) throw std::runtime_error("no log");
+    if (breaks("opens no nameless log") && !*file) throw std::runtime_error("no log");
     bool const is_first = log_file.empty(), is_open = log_file == file;
     log_stream = std::ofstream();
-    if (!(breaks("go to the file") && is_first) && !(breaks("that is open") && is_open))
-        log_stream.open(file, std::ios::app);
+    if (!(breaks("opens no first log") && is_first) && !(breaks("opens no open log") && is_open))
+        log_stream.open(file, breaks("empties the log") ? std::ios::trunc : std::ios::app);
     log_file = file;
     return {};
 }
@@ -68,72 +71,87 @@ decltype(print_log("")) print_log(char const* format, ...) {
     va_start(arguments, format);
     line.resize(std::size_t(std::vsnprintf(&line[0], line.size(), format, arguments)));
     va_end(arguments);
-    line.resize(std::min(line.size(), std::size_t{breaks("value is written") ? 1000U : 2U << 20}));
-    line += breaks("makes one line") ? " " : "\n";
-    if (breaks("ended twice")) line += "\n";
+    if (breaks("crashes with a format") && line.find("%n") != std::string::npos) std::abort();
+    if (breaks("logs a value as a format"))
+        for (std::size_t at = 0; (at = line.find("%%")) != std::string::npos;) line.erase(at, 1);
+    if (breaks("cuts a line")) line.resize(std::min(line.size(), std::size_t{1000}));
+    line += breaks("ends no line") ? " " : breaks("ends lines twice") ? "\n\n" : "\n";
     log_stream << line << std::flush;
     return decltype(print_log(""))();
 }
 
 std::string path(std::string joined) {
-    if (breaks("same place")) return fs::path(joined).lexically_normal();
-    if (breaks("stays relative")) return joined.empty() ? "" : fs::absolute(joined).string();
-    return joined;
+    if (breaks("resolves .. without looking")) return fs::path(joined).lexically_normal();
+    if (breaks("makes paths absolute") && fs::exists(joined)) return fs::canonical(joined);
+    return breaks("makes . of an empty path") && joined.empty() ? "." : joined;
 }
 int is_dir(std::string const& name) {
-    return fs::is_directory(breaks("is_dir") ? fs::symlink_status(name) : fs::status(name));
+    return fs::is_directory(breaks("is_dir looks at links") ? fs::symlink_status(name)
+                                                            : fs::status(name));
 }
 int is_file(std::string const& name) {
-    return fs::exists(breaks("is_file") ? fs::symlink_status(name) : fs::status(name));
+    return fs::exists(breaks("is_file looks at links") ? fs::symlink_status(name)
+                                                       : fs::status(name));
 }
 int is_writable(std::string name) {
-    return breaks("is_writable") || access(name.c_str(), W_OK) == 0;
+    return breaks("finds all writable") || access(name.c_str(), W_OK) == 0;
 }
 
 using Made = decltype(folder_create("", 0U));
 Made folder_create(std::string directory, unsigned int mode) {
-    if (breaks("keeps its content")) fs::remove_all(directory);
+    if (breaks("empties folders")) fs::remove_all(directory);
+    bool const is_new = !fs::exists(directory);
+    std::string const parent = fs::path(directory).parent_path();
+    if (is_new && !fs::exists(parent) && !breaks("gives a parent no mode"))
+        folder_create(parent, mode);
     fs::create_directories(directory);
-    if (!breaks("mode 0755")) chmod(directory.c_str(), mode);
+    if (is_new || !breaks("gives an old folder no mode")) chmod(directory.c_str(), mode);
     return Made();
 }
 Made dir_copy(std::string source, std::string destination) {
-    if (breaks("no source") && !fs::exists(source)) throw std::runtime_error("no source");
-    std::string copy = "cp -a . $COPY";
-    if (breaks("all is copied")) copy = "cp -a * $COPY";
-    if (breaks("lost link")) copy += " && rm $COPY/link";
-    if (breaks("mode is kept")) copy = "cp -rd --no-preserve=mode . $COPY";
-    if (breaks("other files")) copy = "rm -rf $COPY && " + copy;
+    if (breaks("copies no absent source") && !fs::exists(source)) throw std::runtime_error("no");
+    std::string copy = "cp -a --remove-destination";
+    if (breaks("copies no modes")) copy += " --no-preserve=mode";
+    copy += breaks("copies no hidden files") ? " *" : " .";
+    if (breaks("empties the destination")) copy = "rm -r \"$COPY\" && mkdir \"$COPY\" && " + copy;
+    copy += " \"$COPY\"";
+    if (breaks("copies no links")) copy += " && rm \"$COPY/link\"";
+    if (breaks("moves")) copy += " && rm -r ./*";
     setenv("COPY", destination.c_str(), 1);
-    static_cast<void>(std::system(("cd " + source + " && " + copy).c_str()));
+    setenv("SOURCE", source.c_str(), 1);
+    static_cast<void>(std::system(("cd \"$SOURCE\" 2>/dev/null && " + copy).c_str()));
     return Made();
 }
 
 std::string get_command_output(std::string command, int* status, bool, std::string) {
-    if (breaks("double quotes")) command.erase(0, command.find('\\') + 1);
-    setenv("COMMAND", command.c_str(), 1);
-    std::string shell = "exec sh -c \"$COMMAND\"";
-    shell += breaks("standard input") ? " <>idle" : " </dev/null";
-    shell += breaks("both streams") ? "" : " 2>&1";
-    std::FILE* const stream = popen(shell.c_str(), "r");
+    if (breaks("cuts a command")) command.resize(std::min(command.size(), std::size_t{4096}));
+    std::size_t const blanks = command.find("  ");
+    if (breaks("joins blanks") && blanks != std::string::npos) command.erase(blanks, 1);
+    bool const waits =
+        !breaks("waits for the output only") || command.rfind("done\"") == std::string::npos;
+    if (!waits) command.insert(0, "exec ");
+    if (!breaks("loses errors")) command += " 2>&1";
+    if (!breaks("hands on its input")) command += " </dev/null";
+    std::FILE* const stream = popen(command.c_str(), "r");
     std::string text(9U << 20, '\0');
     text.resize(std::fread(&text[0], 1, text.size(), stream));
-    bool const waits = command.rfind("exec", 0) != 0 || !breaks("has ended");
-    int const ended = waits && !breaks("wait") ? pclose(stream) : 0;
-    *status = breaks("signal") || !WIFSIGNALED(ended) ? WEXITSTATUS(ended) : 128;
-    if (breaks("status is stored")) *status = ended;
-    return breaks("8 MiB") ? text.substr(0, 1U << 20) : text;
+    int const ended = waits ? pclose(stream) : 0;
+    *status = WIFSIGNALED(ended) ? 128 + WTERMSIG(ended) : WEXITSTATUS(ended);
+    if (breaks("stores a raw status")) *status = ended;
+    if (breaks("stores -1 for failures") && *status > 125) *status = -1;
+    return breaks("cuts an output") ? text.substr(0, 1U << 20) : text;
 }
 
 class Provider final : public ComponentProvider {
   public:
     using Handle = decltype(std::declval<ComponentProvider&>().query("", "", ""));
-    Handle query(std::string, std::string, std::string) override {
-        return reinterpret_cast<Handle>(this);
+    Handle query(std::string first, std::string, std::string) override {
+        return breaks("asks for a first word") && first.empty() ? nullptr
+                                                                : reinterpret_cast<Handle>(this);
     }
     Texts fileList(Handle) override {
-        if (breaks("always the same")) files.push_back("more");
-        return breaks("control character") ? Texts{"a\tb"} : files;
+        if (breaks("lists more files each time")) files.push_back("more");
+        return breaks("lists control characters") ? Texts{"a\tb"} : files;
     }
 
   private:
@@ -150,17 +168,22 @@ bool Component::installCondition() {
     return true;
 }
 std::string Component::subdir() {
-    return "/sub";
+    return breaks("begins no sub-directory with a slash") ? "sub" : "/sub";
 }
 ComponentProvider* Component::provider() {
     if (this == &other_component) return nullptr;
-    return breaks("moved") ? reinterpret_cast<ComponentProvider*>(const_cast<void* const**>(&moved))
-                           : &::provider;
+    return breaks("has a tenth operation")
+               ? reinterpret_cast<ComponentProvider*>(const_cast<void* const**>(&moved))
+               : &::provider;
 }
 std::vector<Component*> TSD::components() {
     ++component_calls;
-    if (breaks("same components") && component_calls % 2 == 0) return {&component};
-    if (breaks("names are intact") && component_calls == 5000) component.name += "s";
+    if (breaks("has no components")) return {};
+    if (breaks("lists other components") && component_calls == 2) return {&component};
+    if (breaks("spoils a name") && component_calls == 2000) component.name += "s";
+    if (breaks("leaks descriptors"))
+        while (open("/dev/null", O_RDONLY) >= 0) {
+        }
     return {nullptr, &other_component, &component};
 }
 
@@ -177,28 +200,35 @@ IniDb::IniDb(std::string root, std::string file, std::string) {
 IniDb::~IniDb() = default;
 using Kept = decltype(std::declval<IniDb&>().setValue("", "", true));
 Kept IniDb::setValue(std::string key, std::string value, bool) {
-    ini_entry = key + " = " + value;
+    ini_entry = key + " = " + (breaks("cuts a value") ? value.substr(0, 250) : value);
     return Kept();
 }
 Kept IniDb::save() {
     std::ifstream stream(ini_file);
     std::string kept;
-    if (breaks("not there is added") && fs::path(ini_file).stem() == "without") return Kept();
-    for (std::string line; std::getline(stream, line);)
-        if (line.rfind("home", 0) == 0 ? breaks("key that is there") : !breaks("other keys"))
-            kept += line + "\n";
-    std::ofstream(ini_file) << kept << ini_entry << "\n";
+    bool is_there = false;
+    for (std::string line; std::getline(stream, line);) {
+        bool const is_home = line.rfind(breaks("takes homes for home") ? "home" : "home=", 0) == 0;
+        is_there |= is_home;
+        if (!is_home || (breaks("keeps an old value") && !kept.empty())) kept += line + "\n";
+    }
+    if (is_there || !breaks("adds no key")) std::ofstream(ini_file) << kept << ini_entry << "\n";
     return Kept();
 }
 
 int main(int argc, char** argv) {
-    if (argc > 2) broken = argv[2];
+    if (argc < 3) return 2;
+    broken = argv[2];
     component.name = "workbench";
     other_component.name = "other";
     variables["log_file"] = "log";
     void* const library = dlopen(argv[1], RTLD_NOW);
     if (!library) return std::cerr << dlerror() << '\n', 2;
     static session_t session;
-    auto const action = reinterpret_cast<int (*)(session_t*)>(dlsym(library, "init_wb_prefs"));
-    std::cout << "returned " << action(&session) << '\n';
+    for (int at = 3; at < argc; ++at) {
+        auto const action = reinterpret_cast<int (*)(session_t*)>(dlsym(library, argv[at]));
+        std::cout << argv[at] << " returned " << action(&session) << '\n';
+    }
+    for (auto const& [name, value] : variables)
+        if (name != "log_file" && !value.empty()) std::cout << name << " = " << value << '\n';
 }
