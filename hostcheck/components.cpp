@@ -41,8 +41,8 @@ void hostcheck::components(session_t* session, std::string const&) {
             auto const files = workbench_int::installed_files(*component);
             if (workbench_int::installed_files(*component) != files) fault("it is another list");
             for (std::string const& file : files)
-                for (unsigned char const character : file)
-                    if (character < ' ') fault("no path: " + file);
+                for (char const character : file)
+                    if (static_cast<unsigned char>(character) < ' ') fault("no path: " + file);
             paths += files.size();
         }
         if (paths == 0) skip("no component to be installed lists a file");

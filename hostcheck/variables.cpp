@@ -28,7 +28,7 @@ void hostcheck::variables(session_t* session, std::string const&) {
     auto const promise_copies = [&](char const* text, bool as_string) {
         promise("env_set_string", text, [&] {
             for (std::string const& value : values) {
-                std::string buffer = value;
+                std::string buffer(value.begin(), value.end()); // shared with none
                 set(as_string, buffer);
                 buffer.assign(buffer.size(), '#');
                 if (misread.count(value) == 0) expect(value, held());
