@@ -23,7 +23,7 @@ gzip -dc /usr/share/man/man1/wb-trial.1.gz |
     sed -n '/^\.Sh EXAMPLES/,/^\.Sh SEE/{/^\.Bd/,/^\.Ed/{/^\./d;s/\\e$/\\/;p}}' >examples
 test -s examples
 test -s /usr/share/bash-completion/completions/wb-trial
-for document in README.md docs/check.svg docs/host.md docs/packaging.md docs/sandbox.md; do
+for document in README.md docs/check.svg docs/host.md host/services.h docs/packaging.md docs/sandbox.md; do
     test -s "/usr/share/doc/wb-trial/$document"
 done
 sh -eux examples
