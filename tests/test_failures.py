@@ -174,7 +174,7 @@ def test_preferences_file_keeps_all_else(site):
     site.shell("setfattr -n user.color -v red product/real || :")
     command = "cd product; stat -c '%u %g %a' real; getfacl -cn real; getfattr -d real"
     before = subprocess.check_output(command, shell=True, cwd=site.root)
-    for key, note in (("home", 'had 2 lines that set "home"'), ("new", 'had no line that sets "new"')):
+    for key, note in (("home", 'had 3 lines that set "home"'), ("new", 'had no line that sets "new"')):
         variables = {"WB_PREFS": "readme", "WB_PREFS_INST_DIR": key, "VORN_INSTALL_DIR": "p\\x"}
         report = site.run("init_wb_prefs", variables=variables)
         assert report.failures == [] and note in report.notes[0]
