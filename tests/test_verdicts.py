@@ -9,16 +9,11 @@ BY_DESIGN = "by design: the de-integration script, the location in 1 preferences
 @table(
     "setup, uninstall, verdict",
     {
-        "nothing is done": (":", ":", "as it was"),
         "a folder is removed again": ("mkdir x; echo >x/y", "rm -r x", "as it was"),
         "a file stays": ("echo >x", ":", "changed"),
-        "an empty folder stays": ("mkdir x", ":", "changed"),
         "modes are set back": ("chmod 700 .; chmod 600 dir", "chmod 755 . dir", "as it was"),
-        "a mode is not": ("chmod 700 dir", ":", "changed"),
-        "nor the workbench's own": ("chmod 700 .", ":", "changed"),
+        "one is not": ("chmod 700 .", ":", "changed"),
         "set-user-ID stays": ("chmod u+s dir/file", ":", "changed"),
-        "set-group-ID stays": ("chmod g+s dir", ":", "changed"),
-        "a sticky bit stays": ("chmod +t dir", ":", "changed"),
         "a file is made anew": ("rm dir/file", "touch dir/file", "as it was"),
         "a folder is made anew": ("rm -r dir", "mkdir dir; touch dir/file dir/other", "as it was"),
         "with one file less": ("rm -r dir", "mkdir dir; touch dir/file", "changed"),
@@ -47,12 +42,6 @@ def test_verdict(site, way, setup, uninstall, verdict):
     report = way(site)
     assert report.verdict == verdict, report.text
     assert report.status == (verdict != "as it was")
-
-
-def test_link_to_something_else(site, way):
-    site.lay("ln -sfn other dir/link", "ln -sfn othen dir/link")
-    (site.workbench / "dir/link").symlink_to("other")
-    assert way(site).verdict == "changed"
 
 
 @table(
@@ -161,5 +150,4 @@ def test_without_a_sandbox_the_disk_changes(site):
 @pytest.mark.parametrize("place", ["workbench/dir", "product"])
 def test_copies_have_to_lie_elsewhere(site, place):
     report = site.wb_trial("check", "--no-sandbox", "s.toml", environment={"TMPDIR": place})
-    assert report.status == 2
-    assert "TMPDIR has to lie outside" in report.refusal
+    assert (report.status, "TMPDIR has to lie outside" in report.refusal) == (2, True), report.text
