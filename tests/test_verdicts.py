@@ -141,6 +141,7 @@ def test_one_in_the_other(site, way, move, setup, verdict):
 
 def test_without_a_sandbox_the_disk_changes(site):
     site.lay("echo >x")
+    site.shell("chmod 640 workbench/dir/file; ln -s absent workbench/link")
     report = WAYS["no-sandbox"](site)
     assert report.lines[0] == "The disk changes: this check really installs and uninstalls."
     assert "What the last list shows is left on the disk." in report.text
