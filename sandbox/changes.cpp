@@ -328,4 +328,20 @@ std::vector<Change> find_changes(std::vector<Watched> const& directories,
     return changes;
 }
 
+std::set<fs::path> copied_up_hard_links(std::vector<Watched> const& directories) {
+    ReadingRights const rights;
+    std::set<fs::path> found;
+    for (Watched const& watched : directories)
+        for (fs::directory_entry const& entry : fs::recursive_directory_iterator(watched.upper)) {
+            fs::path const path =
+                entry.path().string().substr((watched.upper / "").string().size());
+            Status before{};
+            if (fs::is_regular_file(entry.symlink_status()) &&
+                lstat((watched.before / path).c_str(), &before) == 0 && S_ISREG(before.st_mode) &&
+                before.st_nlink > 1)
+                found.insert(watched.directory / path);
+        }
+    return found;
+}
+
 } // namespace sandbox

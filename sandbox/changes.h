@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -46,5 +47,9 @@ struct Change {
 /// change too.
 std::vector<Change> find_changes(std::vector<Watched> const& directories,
                                  std::filesystem::path const& left_out);
+
+/// The files with several hard links that were copied up: another name of such a file keeps its
+/// content in a sandbox, and does not outside.
+std::set<std::filesystem::path> copied_up_hard_links(std::vector<Watched> const& directories);
 
 } // namespace sandbox

@@ -99,6 +99,10 @@ ExitStatus run_in_sandbox(Session& session, Report& report,
                 session.variables["log_file"].clear(); // it is lost anyway, and so no failure
             }
             work(ChangeReport(inside.directories, session, report));
+            for (fs::path const& file : sandbox::copied_up_hard_links(inside.directories))
+                report.warning(file.string() +
+                               " has several hard links; here only this name changed, and outside "
+                               "of a sandbox all of them do");
             std::cout << "Nothing on the disk was changed.\n";
             return report.finish();
         });
