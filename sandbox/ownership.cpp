@@ -33,8 +33,8 @@ std::string name_of(gid_t number) {
 /// Whether `sg` makes the group the first one of this user.
 bool can_be_first(gid_t number) {
     std::vector<gid_t> own(std::size_t(getgroups(0, nullptr)));
-    getgroups(int(own.size()), own.data());
-    return getgrgid(number) && std::count(own.begin(), own.end(), number) != 0;
+    bool const are_known = getgroups(int(own.size()), own.data()) != -1;
+    return are_known && getgrgid(number) && std::count(own.begin(), own.end(), number) != 0;
 }
 
 bool does_list_name_others(char const* path, char const* attribute) {
