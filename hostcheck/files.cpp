@@ -72,7 +72,7 @@ void hostcheck::files(session_t*, std::string const& folder) {
 }
 
 void hostcheck::paths(session_t*, std::string const& folder) {
-    std::string const odd = folder + "/a  b'\"$`\\c#d;e%f\tg~*caf\xc3\xa9\xff";
+    std::string const odd = folder + "/A  b'\"$`\\c#d;e%f\tg~*caf\xc3\xa9\xff";
     std::string const inner = odd + "/deep/inner", part = "/" + std::string(200, 'x');
     std::string const far = odd + part + part + part + part + part + part;
     write_file(odd + "/deep/file", "");
