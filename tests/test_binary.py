@@ -21,9 +21,9 @@ def run(command, *arguments, **options):
     return subprocess.run(line, check=True, stdout=subprocess.PIPE, text=True, **options).stdout
 
 
-def names(kind):
+def names(kind, file=LIBRARY):
     """Of defined symbols, T, or undefined ones, U; the runtimes' names carry a version."""
-    symbols = [line.split()[-2:] for line in run("nm", "-D", LIBRARY).splitlines()]
+    symbols = [line.split()[-2:] for line in run("nm", "-D", file).splitlines()]
     return {name for found, name in symbols if found == kind and "@" not in name}
 
 
@@ -65,8 +65,20 @@ def test_hardening():
     # The binary does not show these.
     for entry in json.loads((BUILD / "compile_commands.json").read_text()):
         options = set(entry["command"].split())
-        if "-Dworkbench_int_EXPORTS" in options:
+        is_program = re.search("/(installer|sandbox|trial)/", entry["file"])
+        if "-Dworkbench_int_EXPORTS" in options or is_program:
             assert {"-D_FORTIFY_SOURCE=2", "-fstack-clash-protection"} <= options
+
+
+def test_program():
+    """It runs as root too, and exports nothing but the host's operations."""
+    program = BUILD / "wb-trial"
+    if not program.exists():
+        pytest.skip("is built with this machine's own headers and architecture")
+    assert readable(names("T", program)) == (SOURCE / "workbench-int.imports").read_text().splitlines()
+    elf = run("readelf", "-dlW", program)
+    assert "GNU_RELRO" in elf and re.search(r"FLAGS_1.* NOW PIE", elf) and re.search("GNU_STACK.* RW ", elf)
+    assert "__stack_chk_fail" in run("nm", "-D", program)
 
 
 def test_two_builds_are_the_same_bytes(tmp_path):

@@ -29,11 +29,22 @@ def by_the_script(report):
         "only touched": (":", "touch dir/file; chmod 755 dir", []),
         "mode": (":", "chmod 1600 dir/file", ["M ./workbench/dir/file (mode 0644 -> 1600)"]),
         "bytes": (r"printf 1\\0 >x", "echo >>x", ["M ./workbench/x (content 2 B -> 3 B)"]),
-        "fewer": ("head -c 2048 /dev/zero >x", "echo >x", ["M ./workbench/x (content 2.0 KiB -> 1 B)"]),
-        "much text": ("seq 999999 >x", "seq 9 >x", ["M ./workbench/x (content 6.6 MiB -> 18 B)"]),
+        "fewer": ("head -c 2048 /dev/zero >x", "echo >x", ["M ./workbench/x (content 2,048 B -> 1 B)"]),
+        "much text": ("seq 999999 >x", "seq 9 >x", ["M ./workbench/x (content 6,888,888 B -> 18 B)"]),
         "new folder": (":", "mkdir x; echo >x/1; ln -s a x/b", ["A ./workbench/x/ (2 files, 1 B)"]),
         "that nobody can enter": (":", "mkdir x; chmod 0 x", ["A ./workbench/x/ (0 files, 0 B)"]),
-        "folder that is gone": ("mkdir x; touch x/y", "rm -r x", ["D ./workbench/x/", "D ./workbench/x/y"]),
+        "folder that is gone": ("mkdir x; seq 9 >x/y", "rm -r x", ["D ./workbench/x/ (1 file, 18 B)"]),
+        "many": ("mkdir x; touch $(seq -f x/%g 1000)", "rm -r x", ["D ./workbench/x/ (1,000 files, 0 B)"]),
+        "that is a file now": (
+            "mkdir x; seq 9 >x/y",
+            "rm -r x; echo >x",
+            ["T ./workbench/x (was a directory: 1 file, 18 B)"],
+        ),
+        "hole": (
+            "truncate -s 6G x",
+            "printf y | dd of=x seek=5G bs=1 conv=notrunc",
+            ["M ./workbench/x (content 6,442,450,944 B -> 6,442,450,944 B)"],
+        ),
         "another type": ("touch x", "rm x; mkdir x", ["T ./workbench/x/ (0 files, 0 B)"]),
         "link": ("ln -s tex x", "ln -sfn dir x", ["M ./workbench/x (link tex -> dir)"]),
         "name of two lines": (":", 'touch "$(printf "a\\nb")"', ["A ./workbench/a\\nb"]),
@@ -63,6 +74,13 @@ def test_changes(site, sandbox, before, setup, changes):
 def test_changes_by_root(site, sandbox, setup, changes):
     assert by_the_script(preview(site, sandbox, ":", setup)) == changes
     assert not os.path.exists("/etc/x.wb-trial")
+
+
+@only_root
+def test_whiteout_on_the_disk_is_no_change(site, sandbox):
+    """An overlay does not show it."""
+    report = preview(site, sandbox, "mknod dir/0 c 0 0", "rm -r dir; mkdir dir; touch dir/file dir/other")
+    assert by_the_script(report) == []
 
 
 @pytest.mark.parametrize("log", ["/dev/null", "/var/tmp/x.log", "x.log", "link", "workbench/dangling"])

@@ -37,6 +37,38 @@ def test_sandbox_ends_with_wb_trial(site, sandbox, hanging, number):
         assert connection.recv(1) == b""
 
 
+@pytest.mark.parametrize("number", [signal.SIGTERM, signal.SIGINT, signal.SIGHUP])
+@table(
+    "words, is_copying",
+    {
+        "install": (["install"], False),
+        "check": (["check", "--no-sandbox"], False),
+        "copies": (["check", "--no-sandbox"], True),
+    },
+)
+def test_signal_to_wb_trial_alone(site, hanging, number, words, is_copying):
+    """It ends what is run too, a cp as well. Nothing else is run, and no copies stay."""
+    if is_copying:
+        site.shell("cp $setup cp")
+    path = {"PATH": f"{site.root}:{site.environment['PATH']}"}
+    with site.start(*words, "s.toml", environment=path) as process, accept(hanging) as connection:
+        process.send_signal(number)
+        assert process.wait(30) == -number
+        assert connection.recv(1) == b""
+    assert site.copy.exists() != is_copying
+    assert list(site.temporary.iterdir()) == []
+
+
+def test_script_asks_in_a_terminal(site):
+    """Also where wb-trial leads the terminal's session."""
+    site.lay("read answer </dev/tty; echo $answer >answer")
+    arguments = {"cwd": site.root, "env": site.environment, "timeout": 30}
+    terminal = pexpect.spawn("wb-trial", ["install", "s.toml"], **arguments)
+    terminal.sendline("yes")
+    terminal.expect(pexpect.EOF)
+    assert (site.workbench / "answer").read_text() == "yes\n"
+
+
 def test_control_c_in_a_terminal(site, way, hanging):
     """It ends the script too. Nothing else is run, and no copies stay."""
     site.give_to(way.user)
@@ -63,9 +95,9 @@ def signalled(number, call, file):
 @table(
     "number, call, copied",
     {
-        "begun": (signal.SIGHUP, "read,readv:when=2", {}),
+        "begun": (signal.SIGHUP, "pread64:when=2", {}),
         "done": (signal.SIGTERM, "newfstatat,statx:when=1", {"large": 0o755}),
-        "cannot be held": (signal.SIGKILL, "read,readv:when=2", {".wb-trial": 0o600}),
+        "cannot be held": (signal.SIGKILL, "pread64:when=2", {".wb-trial": 0o600}),
     },
 )
 def test_signal_while_a_file_is_copied(site, number, call, copied):

@@ -26,6 +26,7 @@ BY_DESIGN = "by design: the de-integration script, the location in 1 preferences
             "changed",
         ),
         "an attribute stays": ("setfattr -n user.color -v red dir/file", ":", "changed"),
+        "one with overlay in its name": ("setfattr -n user.my.overlay.y dir/file", ":", "changed"),
         "an attribute is removed": (
             "setfattr -n user.color -v red dir/file",
             "setfattr -x user.color dir/file",
@@ -137,6 +138,13 @@ def test_one_in_the_other(site, way, move, setup, verdict):
     report = way(site)
     assert report.verdict == verdict, report.text
     assert any("leaves the product changed" in note for note in report.notes) == (verdict == "as it was")
+
+
+def test_workbench_that_is_gone_with_its_folder(site, way):
+    site.lay(uninstall='rm -r "$PWD/../../in"')
+    site.shell("mkdir in; mv workbench in")
+    site.edit("DIR}/workbench", "DIR}/in/workbench")
+    assert way(site).verdict == "changed"
 
 
 def test_without_a_sandbox_the_disk_changes(site):
