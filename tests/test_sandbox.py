@@ -2,6 +2,7 @@
 
 import os
 import re
+import subprocess
 
 import pytest
 from conftest import ORDINARY_USER, Way, as_user, first, table
@@ -141,6 +142,9 @@ def test_changed_device(site, sandbox):
     assert "M ./workbench/x (device 1:3 -> 1:5)" in report.changes
 
 
+SESSION_KEYRING = "import ctypes; print(ctypes.CDLL(None).syscall(250, 0, -3, 1))"
+
+
 @table(
     "before, setup",
     {
@@ -152,11 +156,16 @@ def test_changed_device(site, sandbox):
         "message queues of its own": (":", "[ $(readlink /proc/self/ns/ipc) != $queues ]"),
         "/run and /dev as they are": (":", "! touch /run/x.wb-trial && ! touch /dev/x.wb-trial"),
         "no memory in place of a disk": (":", "! grep '^tmpfs /[a-z]* .*mode=700' /proc/mounts"),
+        "no network settings": (":", "! ip link add x type dummy"),
+        "session keyring of its own": (":", f"[ $(/usr/bin/python3 -c '{SESSION_KEYRING}') != $keyring ]"),
         "default ACL": ("setfacl -d -m g::r,o::- ..", "echo >../x; [ $(stat -c %a ../x) = 640 ]"),
     },
 )
 def test_what_a_script_finds(site, sandbox, before, setup):
-    outside = {"user": f"{sandbox.user}", "queues": os.readlink("/proc/self/ns/ipc")}
+    keyring = subprocess.check_output(
+        [*as_user(sandbox.user), "/usr/bin/python3", "-c", SESSION_KEYRING], text=True
+    )
+    outside = {"user": f"{sandbox.user}", "queues": os.readlink("/proc/self/ns/ipc"), "keyring": keyring}
     report = preview(site, sandbox, before, setup, environment=outside)
     assert report.status == 0, report.text
 
@@ -264,7 +273,7 @@ def test_root_whose_rights_are_confined(site, sandbox, words):
             "echo 0 >/proc/sys/user/max_user_namespaces",
             "user.max_user_namespaces is 0; change it",
         ),
-        "few open files": ("ulimit -n 10", "Too many open files"),
+        "few open files": ("ulimit -n 10", "open files; raise the limit with ulimit -n"),
     },
 )
 def test_refusal(site, sandbox, limit, cause):
@@ -274,25 +283,34 @@ def test_refusal(site, sandbox, limit, cause):
     assert (report.status, len(report.lines)) == (2, 1), report.text
     assert report.refusal.startswith("there can be no sandbox: ")
     assert cause in report.refusal
+    assert ("--no-sandbox" in report.refusal) == ("ulimit" not in cause)
 
 
 @only_root
 @table(
     "before, option, status, sentence",
     {
-        "group": ("chgrp 1 workbench; chmod 775 workbench", [], 2, "./workbench belongs to the group daemon"),
+        "group": (
+            "chgrp 1 workbench; chmod 775 workbench",
+            [],
+            2,
+            "./workbench (group daemon); run it as root",
+        ),
         "group of all": (
             "chgrp -R 1 .; chmod 775 workbench",
             [],
             2,
             "run it in sg daemon -c '...', or as root",
         ),
-        "owner": (
-            "chown 0 workbench; chmod 777 workbench",
-            [],
-            2,
-            "./workbench belongs to the owner 0; run it as",
-        ),
+        "owner": ("chown 0 workbench; chmod 777 workbench", [], 2, "./workbench (owner 0); run it as"),
+        "files": ("umask 0; touch workbench/x workbench/y", [], 2, "./workbench/x (owner 0) and 1 more;"),
+        "file in the product": ("umask 0; touch product/x", [], 2, "./product/x (owner 0);"),
+        "its group": ("chgrp 1 $copied", [], 2, "$copied (group daemon);"),
+        "ACL": ("setfacl -m u:12:r $copied", [], 2, "$copied (others have rights"),
+        "ACL for itself": ("setfacl -m u:4711:r $copied", [], 0, "as it was."),
+        "folder": ("mkdir -m 777 workbench/x", [], 2, "./workbench/x (owner 0);"),
+        "own in such a folder": ("cd workbench; mkdir x; mv dir x", [], 2, "x/dir (others have rights"),
+        "file not to be written": ("chown 0 $copied", [], 0, "as it was."),
         "not to be written": ("chown 0 workbench", [], 1, 'PATH_STATUS = "notwritable"'),
         "folder above": (
             "mkdir a; mv workbench a; ln -s a/* .; chown 12345 a; chmod 311 .",
@@ -315,6 +333,26 @@ def test_user_among_others(site, sandbox, before, option, status, sentence):
     assert report.status == status, report.text
     assert sentence.replace("$copied", "./workbench/dir/file") in report.text
     assert list(site.root.glob("tmp/*")) == []
+
+
+@only_root
+def test_nobody(site, sandbox):
+    """To the user 65534 what others own looks in a user namespace like its own."""
+    site.give_to(65534)
+    site.shell("chown -R 0:0 workbench")
+    assert (
+        'PATH_STATUS = "notwritable"' in site.wb_trial("check", "s.toml", user=65534, variables=NO_LOG).text
+    )
+    site.shell("chmod 666 workbench/dir/file")
+    report = site.wb_trial("check", "s.toml", user=65534)
+    assert "./workbench/dir/file (owner 0); run it as root" in report.refusal, report.text
+
+
+@only_root
+def test_root_without_the_right_to_mount_among_others(site, sandbox):
+    site.shell("chown 1 workbench/dir/file")
+    report = site.wb_trial("check", "s.toml", within=["setpriv", "--bounding-set=-sys_admin"])
+    assert "(owner 1); run it in a container that allows CAP_SYS_ADMIN" in report.refusal, report.text
 
 
 @only_root
@@ -349,3 +387,37 @@ def test_scratch_folder(site, sandbox):
     report = sandbox(site, within=first(f"{before}; {after}"), environment={"WB_TRIAL_SCRATCH": "1"})
     assert report.verdict == "as it was"
     assert [line for line in report.lines if line.startswith(name)] == [f"{name}-used"]
+
+
+@pytest.mark.parametrize("log", ["fifo", "logs/log"])
+def test_log_that_can_be_written_outside_alone(site, sandbox, log):
+    """It is lost in a sandbox anyway."""
+    site.shell("mkfifo fifo; mkdir -p logs/in")
+    mounting = ["unshare", "-Urm", *first("mount -t tmpfs x logs/in")]
+    report = sandbox(site, within=mounting, variables={"log_file": log})
+    assert f"the log ./{log} cannot be written here; its lines go to standard error" in report.notes
+    assert (report.verdict, report.failures) == ("as it was", [])
+
+
+def test_temporary_directory_that_is_not_there(site, sandbox):
+    site.lay("f=$(mktemp) || exit 7")
+    report = sandbox(site, environment={"TMPDIR": "/nonexistent"})
+    assert "perform_integration returned 7" in report.lines
+
+
+def test_limit_of_open_files(site, sandbox):
+    """The sandbox needs more, the scripts get what there was."""
+    site.lay("[ $(ulimit -n) = 30 ]")
+    assert sandbox(site, within=["prlimit", "--nofile=30:4096"]).failures == []
+
+
+def test_hard_links(site, sandbox):
+    site.lay("cp -p a c; echo >>a", "mv c a")
+    site.shell("cd workbench; touch a; ln a b")
+    assert any("./workbench/a has several hard links" in warning for warning in sandbox(site).warnings)
+
+
+@only_root
+def test_user_that_is_made(site, sandbox):
+    site.lay("useradd -m wb-trial-x && su wb-trial-x -c id", "userdel wb-trial-x")
+    assert "(wb-trial-x)" in sandbox(site).output[0]

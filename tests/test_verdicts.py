@@ -45,6 +45,10 @@ def test_verdict(site, way, setup, uninstall, verdict):
     assert report.status == (verdict != "as it was")
 
 
+THREAD = "import ctypes, threading, time; threading.Thread(target=time.sleep, args=(5,)).start(); "
+THREAD += "ctypes.CDLL(None).syscall(60, 0)"
+
+
 @table(
     "setup, uninstall, still_running",
     {
@@ -59,6 +63,8 @@ def test_verdict(site, way, setup, uninstall, verdict):
             ":",
             ["sleep 5.5", "sleep 5.75"],
         ),
+        "it has no name": ("bash -c 'exec -a \"\" sleep 5.25' >/dev/null 2>&1 &", ":", ["sleep 5.25"]),
+        "its main thread has ended": (f"/usr/bin/python3 -c '{THREAD}' >/dev/null 2>&1 &", ":", ["python3"]),
     },
 )
 def test_process(site, way, setup, uninstall, still_running):
