@@ -142,7 +142,7 @@ def test_changed_device(site, sandbox):
     assert "M ./workbench/x (device 1:3 -> 1:5)" in report.changes
 
 
-SESSION_KEYRING = "import ctypes; print(ctypes.CDLL(None).syscall(250, 0, -3, 1))"
+SESSION_KEYRING = "import ctypes; print(ctypes.CDLL(None).syscall(250, 0, -3, 0))"
 
 
 @table(
@@ -156,7 +156,7 @@ SESSION_KEYRING = "import ctypes; print(ctypes.CDLL(None).syscall(250, 0, -3, 1)
         "message queues of its own": (":", "[ $(readlink /proc/self/ns/ipc) != $queues ]"),
         "/run and /dev as they are": (":", "! touch /run/x.wb-trial && ! touch /dev/x.wb-trial"),
         "no memory in place of a disk": (":", "! grep '^tmpfs /[a-z]* .*mode=700' /proc/mounts"),
-        "no network settings": (":", "! ip link add x type dummy"),
+        "no network settings": (":", "! ip link set lo mtu $(cat /sys/class/net/lo/mtu)"),
         "session keyring of its own": (":", f"[ $(/usr/bin/python3 -c '{SESSION_KEYRING}') != $keyring ]"),
         "default ACL": ("setfacl -d -m g::r,o::- ..", "echo >../x; [ $(stat -c %a ../x) = 640 ]"),
     },
@@ -408,7 +408,7 @@ def test_temporary_directory_that_is_not_there(site, sandbox):
 def test_limit_of_open_files(site, sandbox):
     """The sandbox needs more, the scripts get what there was."""
     site.lay("[ $(ulimit -n) = 30 ]")
-    assert sandbox(site, within=["prlimit", "--nofile=30:4096"]).failures == []
+    assert sandbox(site, within=["prlimit", "--nofile=30:4096"]).status == 0
 
 
 def test_hard_links(site, sandbox):
