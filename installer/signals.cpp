@@ -27,13 +27,6 @@ void send_to_tree(pid_t process, int number) {
     for (pid_t const child : children) send_to_tree(child, number);
 }
 
-sigset_t child_ended() {
-    sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, SIGCHLD);
-    return set;
-}
-
 } // namespace
 
 HeldSignals::HeldSignals() {
@@ -70,7 +63,9 @@ int HeldSignals::pending() {
 bool HeldSignals::wait(int input) const {
     std::array<pollfd, 2> sources = {{{input, POLLIN, 0}, {descriptor_, POLLIN, 0}}};
     poll(sources.data(), sources.size(), -1);
-    sigset_t const ended = child_ended();
+    sigset_t ended;
+    sigemptyset(&ended);
+    sigaddset(&ended, SIGCHLD);
     timespec const at_once{};
     sigtimedwait(&ended, nullptr, &at_once);
     return sources[0].revents != 0;
