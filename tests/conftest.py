@@ -209,6 +209,7 @@ class Site:
             stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT,
+            process_group=0,  # a script that kills its group does not end the tests
         )
 
     def wb_trial(self, *arguments, **how):
