@@ -46,6 +46,11 @@ def by_the_script(report):
             "printf y | dd of=x seek=5G bs=1 conv=notrunc",
             ["M ./workbench/x (content 6,442,450,944 B -> 6,442,450,944 B)"],
         ),
+        "folders that were exchanged": (
+            "rm dir/other; mkdir x; touch x/a",
+            "mv x y; mv dir x; mv y dir",
+            ["A ./workbench/dir/a", "D ./workbench/dir/file", "D ./workbench/x/a", "A ./workbench/x/file"],
+        ),
         "another type": ("touch x", "rm x; mkdir x", ["T ./workbench/x/ (0 files, 0 B)"]),
         "link": ("ln -s tex x", "ln -sfn dir x", ["M ./workbench/x (link tex -> dir)"]),
         "name of two lines": (":", 'touch "$(printf "a\\nb")"', ["A ./workbench/a\\nb"]),
@@ -399,7 +404,7 @@ def test_scratch_folder(site, sandbox):
     after = f'flock {name}-used "$@"; ls -d /var/tmp/*; rm -r {name}-used; exit'
     report = sandbox(site, within=first(f"{before}; {after}"), environment={"WB_TRIAL_SCRATCH": "1"})
     assert report.verdict == "as it was"
-    assert [line for line in report.lines if line.startswith(name)] == [f"{name}-used"]
+    assert [line for line in report.lines if line.startswith("/var/tmp/wb-trial-")] == [f"{name}-used"]
 
 
 @pytest.mark.parametrize("log", ["fifo", "logs/log"])
