@@ -42,9 +42,9 @@ def by_the_script(report):
             ["T ./workbench/x (was a directory: 1 file, 18 B)"],
         ),
         "hole": (
-            "truncate -s 6G x",
-            "printf y | dd of=x seek=5G bs=1 conv=notrunc",
-            ["M ./workbench/x (content 6,442,450,944 B -> 6,442,450,944 B)"],
+            "truncate -s 64M x",
+            "printf y | dd of=x seek=50M bs=1 conv=notrunc",
+            ["M ./workbench/x (content 67,108,864 B -> 67,108,864 B)"],
         ),
         "folders that were exchanged": (
             "rm dir/other; mkdir x; touch x/a",
