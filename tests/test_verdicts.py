@@ -70,7 +70,7 @@ THREAD += "ctypes.CDLL(None).syscall(60, 0)"
 def test_process(site, way, setup, uninstall, still_running):
     site.lay(setup, uninstall)
     report = way(site)
-    assert report.verdict == "as it was"
+    assert report.verdict == "as it was", report.text
     expected = [f"check: still running after the uninstall: {command}" for command in still_running]
     assert sorted(report.failures) == expected
     assert report.status == bool(still_running)
@@ -91,7 +91,7 @@ def test_product(site, way, setup, has_note):
     site.lay(setup)
     (site.product / "suite/file").touch()
     report = way(site)
-    assert report.verdict == "as it was"
+    assert report.verdict == "as it was", report.text
     assert any("leaves the product changed" in note for note in report.notes) == has_note, report.text
 
 
