@@ -15,9 +15,11 @@ namespace sandbox {
 
 namespace {
 
+/// As much as can be read: its process may end meanwhile, and an iterator would throw.
 std::string read_file(fs::path const& file) {
-    std::ifstream stream(file);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    std::ostringstream text;
+    text << std::ifstream(file).rdbuf();
+    return text.str();
 }
 
 struct Process {

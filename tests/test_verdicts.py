@@ -1,7 +1,7 @@
 """Whether the workbench is as it was after an install and an uninstall, told by every way to check."""
 
 import pytest
-from conftest import WAYS, says, table
+from conftest import WAYS, can, says, table
 
 BY_DESIGN = "by design: the de-integration script, the location in 1 preferences file"
 
@@ -74,6 +74,14 @@ def test_process(site, way, setup, uninstall, still_running):
     expected = [f"check: still running after the uninstall: {command}" for command in still_running]
     assert sorted(report.failures) == expected
     assert report.status == bool(still_running)
+
+
+def test_process_that_ends_while_it_is_looked_at(site):
+    if not can("strace", "true"):
+        pytest.skip("strace cannot be used here")
+    gone = ["strace", "-f", "-qq", "-o", "/dev/null", "-P", "/proc/1/stat", "--inject=read:error=ESRCH"]
+    report = site.wb_trial("check", "--no-sandbox", "s.toml", within=gone)
+    assert report.verdict == "as it was", report.text
 
 
 @table(
