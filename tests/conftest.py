@@ -76,6 +76,10 @@ def first(command):
 FRESH = ["unshare", "-m"]
 FRESH += first("for d in /tmp /var/tmp /dev/shm; do mount -t tmpfs -o mode=1777 x $d; done")
 HAS_NAMESPACES = can("unshare", "-m", "true") if IS_ROOT else can("unshare", "-Urm", "true")
+HAS_PROC = Path("/proc/self").exists()
+needs_proc = pytest.mark.skipif(not HAS_PROC, reason="there is no /proc here")
+HAS_TERMINALS = can("script", "-qec", "true", "/dev/null")
+needs_terminal = pytest.mark.skipif(not HAS_TERMINALS, reason="there are no terminals here")
 
 
 class Report:
@@ -282,10 +286,10 @@ def way_or_skip(name):
     way = WAYS[name]
     if way.user == 0 and not IS_ROOT:
         pytest.skip("only root can try this")
+    if not HAS_PROC:
+        pytest.skip("there is no /proc here")
     if way.in_sandbox and not can(*as_user(way.user), "unshare", *(["-U"] if way.user else []), "-m", "true"):
         pytest.skip("no namespaces can be made here")
-    if not way.in_sandbox and not Path("/proc/self").exists():
-        pytest.skip("there is no /proc here")
     return way
 
 
