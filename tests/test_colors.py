@@ -3,7 +3,7 @@
 import re
 
 import pexpect
-from conftest import table
+from conftest import needs_terminal, table
 
 CHECK = "wb-trial check --no-sandbox s.toml"
 RED, GREEN, YELLOW = "31", "32", "33"
@@ -25,6 +25,7 @@ PASSED = {RED: ["-home"], GREEN: ["+home", "A", "The", "passed"], YELLOW: ["M"]}
         "only standard error": (f"sh -c '{CHECK} >x; cat x'", ":", {}, {}),
     },
 )
+@needs_terminal
 def test_colors(site, command, setup, environment, colors):
     site.lay(setup)
     own = site.environment | {"NO_COLOR": "", "TERM": "xterm"} | environment

@@ -5,7 +5,7 @@ import subprocess
 
 import pytest
 
-from conftest import ROOT, keyed_table
+from conftest import ROOT, keyed_table, needs_proc
 
 DOCUMENTS = {str(path.relative_to(ROOT)): path for path in [*ROOT.glob("*.md"), *ROOT.glob("docs/*.md")]}
 COMMANDS = ["check", "install", "uninstall", "run"]
@@ -47,6 +47,7 @@ def test_manual_has_no_faults():
     assert printed_by("mandoc", "-T", "lint", "docs/wb-trial.1") == ""
 
 
+@needs_proc
 def test_options(help_of, complete, manual):
     options = options_in("".join(help_of(*command) for command in ([], ["run"], ["check"])))
     assert options_in(manual) == options
@@ -61,6 +62,7 @@ def test_version(site):
     assert f"\n## {site.wb_trial('--version').lines[0]}, " in DOCUMENTS["CHANGELOG.md"].read_text()
 
 
+@needs_proc
 def test_commands_and_actions(help_of, complete):
     commands = help_of().split("Subcommands:")[1]
     assert complete("") == set(re.findall("^  ([a-z]+) ", commands, re.M))
@@ -68,6 +70,7 @@ def test_commands_and_actions(help_of, complete):
     assert complete("run", "a.toml", "") == set(actions.split(","))
 
 
+@needs_proc
 def test_variables(complete):
     document = DOCUMENTS["docs/host.md"].read_text()
     variables = set(re.findall(r"^\| `(\w+)` \| (?:the installer|.*; the user) \|", document, re.M))

@@ -6,7 +6,7 @@ import shutil
 import pexpect
 import pytest
 
-from conftest import ROOT, sh, table
+from conftest import ROOT, needs_proc, needs_terminal, sh, table
 
 
 def test_install(site):
@@ -92,6 +92,7 @@ def test_end(site, setup, arguments, status, end):
     assert report.text.endswith(end) and report.status == status, report.text
 
 
+@needs_terminal
 def test_what_a_script_prints_is_shown_as_it_comes(site):
     site.lay(r"printf 'a\033\nno end'; exec sleep 99")
     install = pexpect.spawn("wb-trial install s.toml", cwd=site.root, env=site.environment)
@@ -113,6 +114,7 @@ def test_log_and_report_in_one_file(site, name):
     ]
 
 
+@needs_proc
 def test_the_check_that_the_packaging_document_shows(site):
     """It is made without a sandbox, where the first line and one other differ."""
     document = (ROOT / "docs/packaging.md").read_text()

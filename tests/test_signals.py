@@ -5,7 +5,7 @@ import socket
 
 import pexpect
 import pytest
-from conftest import as_user, can, table
+from conftest import as_user, can, needs_proc, needs_terminal, table
 
 DEFAULT_SIGNALS = ["env", "--default-signal"]  # whatever the tests' own caller ignores
 
@@ -46,6 +46,7 @@ def test_sandbox_ends_with_wb_trial(site, sandbox, hanging, number):
         "copies": (["check", "--no-sandbox"], True),
     },
 )
+@needs_proc
 def test_signal_to_wb_trial_alone(site, hanging, number, words, is_copying):
     """It ends what is run too, a cp as well. Nothing else is run, and no copies stay."""
     if is_copying:
@@ -59,6 +60,7 @@ def test_signal_to_wb_trial_alone(site, hanging, number, words, is_copying):
     assert list(site.temporary.iterdir()) == []
 
 
+@needs_terminal
 def test_script_asks_in_a_terminal(site):
     """Also where wb-trial leads the terminal's session."""
     site.lay("read answer </dev/tty; echo $answer >answer")
@@ -100,6 +102,7 @@ def signalled(number, call, file):
         "cannot be held": (signal.SIGKILL, "pread64:when=2", {".wb-trial": 0o600}),
     },
 )
+@needs_proc
 def test_signal_while_a_file_is_copied(site, number, call, copied):
     """Nothing that is half written gets its name, or rights for others."""
     file = site.config / "large"
