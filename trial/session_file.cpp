@@ -16,7 +16,6 @@
 #include "trial/unknown_name.h"
 
 namespace fs = std::filesystem;
-using installer::printable;
 using installer::ProductComponent;
 using installer::Session;
 using installer::show;
