@@ -122,7 +122,8 @@ def test_the_report_says(tmp_path, broken, line):
 )
 def test_a_crash_is_named_by_the_last_line(tmp_path, broken, operation):
     said, lines = run(tmp_path, broken)
-    assert (said, lines[-1]) == ("", "# calling " + operation)
+    assert "returned" not in said  # a sanitizer has its own words
+    assert lines[-1] == "# calling " + operation
     assert len(list(tmp_path.glob("hostcheck-*"))) == 1
 
 
