@@ -18,6 +18,10 @@ namespace sandbox {
 
 namespace {
 
+bool lies_below(fs::path const& path, fs::path const& directory) {
+    return path != directory && *path.lexically_relative(directory).begin() != "..";
+}
+
 /// Whether no other mount hides the one with this number, as far as this user may look. Neither
 /// asks a server nor mounts anything.
 bool is_visible(char const* place, int number) {
@@ -121,10 +125,6 @@ class Plan {
 
 } // namespace
 
-bool lies_below(fs::path const& path, fs::path const& directory) {
-    return path != directory && *path.lexically_relative(directory).begin() != "..";
-}
-
 fs::path first_below(std::set<fs::path> const& paths, fs::path const& directory) {
     auto const next = paths.upper_bound(directory); // what lies in it comes right behind it
     return next != paths.end() && lies_below(*next, directory) ? *next : fs::path();
@@ -134,6 +134,15 @@ fs::path nearest_above(std::set<fs::path> const& paths, fs::path const& director
     for (fs::path step = directory; step != "/"; step = step.parent_path())
         if (paths.count(step) != 0) return step;
     return {};
+}
+
+std::set<fs::path> hidden_mounts(std::set<fs::path> const& mounts,
+                                 std::set<fs::path> const& covered) {
+    std::set<fs::path> hidden;
+    for (fs::path const& mount : mounts)
+        if (covered.count(mount) == 0 && !nearest_above(covered, mount).empty())
+            hidden.insert(mount);
+    return hidden;
 }
 
 Coverage plan_coverage(std::vector<fs::path> const& named, bool is_root) {

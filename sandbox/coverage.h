@@ -21,8 +21,6 @@ struct Coverage {
 /// mounts cannot be read.
 Coverage plan_coverage(std::vector<std::filesystem::path> const& named, bool is_root);
 
-bool lies_below(std::filesystem::path const& path, std::filesystem::path const& directory);
-
 /// The first of the paths that lies below the directory, or an empty one.
 std::filesystem::path first_below(std::set<std::filesystem::path> const& paths,
                                   std::filesystem::path const& directory);
@@ -30,5 +28,9 @@ std::filesystem::path first_below(std::set<std::filesystem::path> const& paths,
 /// The nearest of the paths that is or holds the directory, or an empty one.
 std::filesystem::path nearest_above(std::set<std::filesystem::path> const& paths,
                                     std::filesystem::path const& directory);
+
+/// The mounts that overlays over these directories would hide, for they have none themselves.
+std::set<std::filesystem::path> hidden_mounts(std::set<std::filesystem::path> const& mounts,
+                                              std::set<std::filesystem::path> const& covered);
 
 } // namespace sandbox

@@ -117,14 +117,13 @@ std::map<fs::path, Layers> make_layers(std::map<fs::path, int> const& lowers, fs
     return all;
 }
 
-/// The mounts that the overlays would hide and that have none themselves.
+/// Those that the overlays would hide.
 std::map<fs::path, int> copy_mounts(Coverage const& coverage,
                                     std::map<fs::path, Layers> const& layers) {
     std::set<fs::path> covered;
     for (auto const& [directory, of_directory] : layers) covered.insert(directory);
     std::map<fs::path, int> copies;
-    for (fs::path const& mount : coverage.mounts) {
-        if (covered.count(mount) != 0 || nearest_above(covered, mount).empty()) continue;
+    for (fs::path const& mount : hidden_mounts(coverage.mounts, covered)) {
         copies[mount] = open_tree(AT_FDCWD, mount.c_str(),
                                   OPEN_TREE_CLONE | OPEN_TREE_CLOEXEC | AT_NO_AUTOMOUNT);
         require(copies[mount] != -1, "open the mount at " + mount.string());

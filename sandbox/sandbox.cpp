@@ -47,11 +47,8 @@ rlimit raise_descriptor_limit(Coverage const& coverage) {
     rlimit limits{};
     require(getrlimit(RLIMIT_NOFILE, &limits) == 0, "read the limit of open files");
     rlimit const raised = {limits.rlim_max, limits.rlim_max};
-    std::size_t needed = 16 + 2 * coverage.directories.size();
-    for (fs::path const& mount : coverage.mounts)
-        if (!nearest_above(coverage.directories, mount.parent_path()).empty() &&
-            coverage.directories.count(mount) == 0)
-            ++needed;
+    std::size_t const needed = 16 + 2 * coverage.directories.size() +
+                               hidden_mounts(coverage.mounts, coverage.directories).size();
     if (raised.rlim_cur < needed || setrlimit(RLIMIT_NOFILE, &raised) != 0)
         throw DescriptorsRefused(
             "there can be no sandbox: for the mounts that there are it needs " +
