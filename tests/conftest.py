@@ -1,6 +1,7 @@
 """What all tests share: the site that they work on, a run of wb-trial as a Report, and the ways to
 check. WB_TRIAL_DIR names the build folder whose program is tried."""
 
+import functools
 import os
 import re
 import shutil
@@ -51,6 +52,7 @@ def says(sentences, expected):
         assert re.search(".*".join(map(re.escape, line.split(" ... "))), sentence), sentence
 
 
+@functools.cache
 def can(*command):
     return subprocess.run(command, capture_output=True).returncode == 0
 
