@@ -79,7 +79,7 @@ class Reader {
     void set(std::string const& setting) {
         std::size_t const size = setting.find('=');
         if (size == 0 || size == std::string::npos)
-            throw StartError("--set " + installer::show(setting) + ": write NAME=VALUE");
+            throw StartError("--set " + show(setting) + ": write NAME=VALUE");
         set_variable("--set: ", setting.substr(0, size),
                      replaced("--set: ", setting.substr(size + 1)));
     }
