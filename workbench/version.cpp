@@ -1,2 +1,3 @@
 // Which version a library is: `strings libworkbench-int.so.1n | grep workbench-int`.
-[[gnu::used]] static char const version[] = "workbench-int " WORKBENCH_INT_VERSION;
+// The zero byte keeps the text apart from what the linker puts before it.
+[[gnu::used]] static char const version[] = "\0workbench-int " WORKBENCH_INT_VERSION;
