@@ -1,31 +1,28 @@
-#include <typeinfo>
-#include <utility>
+#include <cstring>
 
 #include "tests/site.h"
 #include "workbench/configuration.h"
 
+// But for `path`, whose results are in the calls that follow.
 TEST(Actions, MakeTheseHostCallsAndNoOthers) {
     Site site;
     site.host.session.components.front() = nullptr;
     site.add_component("", {"wr-qev-0.0a"});
     site.add_component("off-workbench", {"wr-qev-0.0b"}).install_condition = false;
-    site.add_component("bare", {}).file_provider = nullptr;
-    site.add_component("workbench", {"", "part\\wr-qev-1.0a\\a.prefs", "wr-qev-9.9z"});
-    site.add_component("empty", {});
-    site.add_component("workbench-later", {"part/wr-qev-1.0a/./a.prefs"}).subdirectory = "later";
+    site.add_component("a Workbench", {}).file_provider = nullptr;
+    site.add_component("workbench", {"", "part\\wr-qev-1.0a\\a.prefs", "wr-qev-9.9z",
+                                     "part/wr-qev-1.0a/./a.prefs"});
+    site.add_component("workbench-later", {}).subdirectory = "later";
     std::string shown;
     for (char const* const name : trial::action_names) {
         std::string const result = std::to_string(site.run(plugin.action(name)));
         shown += "== " + std::string(name) + " returned " + result + "\n";
-        for (std::string const& call : site.calls) shown += call + "\n";
+        for (std::string const& call : site.calls)
+            if (call.rfind("path(", 0) != 0) shown += call + "\n";
     }
     for (std::size_t at = 0; (at = shown.find(site.root)) != std::string::npos;)
         shown.erase(at, site.root.size());
-    std::ifstream lines(TESTS "/expected_calls.txt");
-    std::string expected;
-    for (std::string line; std::getline(lines, line);)
-        if (line[0] != '#') expected += line + "\n";
-    EXPECT_EQ(shown, expected);
+    EXPECT_EQ(shown, read_file(TESTS "/expected_calls.txt"));
 
     auto& variables = site.host.session.variables;
     variables["SUPPORTED_VERSION"] = "";
@@ -52,26 +49,17 @@ TEST(Actions, TakeAProviderThatIsGoneForOneWithoutFiles) {
     EXPECT_EQ(site.calls.back(), "provider(\"workbench\") = null");
 }
 
-TEST(Actions, ReachAProvidersOperationsByTheirPositions) {
-    // A provider as another compiler lays it out: it begins with the address of its operations.
-    void* (*const query)(void*, std::string, std::string, std::string) =
-        [](void* provider, std::string, std::string, std::string) { return provider; };
-    Texts (*const file_list)(void*, void*) = [](void*, void*) { return Texts{"wr-qev-1.0a"}; };
-    void (*const unused)(void*) = [](void*) { ADD_FAILURE() << "this one is never called"; };
-    std::vector<void const*> table(11, reinterpret_cast<void*>(unused));
-    table[0] = nullptr;
-    table[1] = &typeid(installer::FileProvider);
-    table[2] = reinterpret_cast<void*>(query);
-    table[10] = reinterpret_cast<void*>(file_list);
-    void const* const* provider = &table[2];
+/// Where a virtual operation stands among those of its class: the ABI keeps 1 and its offset.
+template <typename Operation>
+static std::size_t position(Operation operation) {
+    std::size_t offset = 0;
+    std::memcpy(&offset, &operation, sizeof offset);
+    return offset / sizeof(void*);
+}
 
-    Site site;
-    auto& file_provider = site.host.session.components.front()->file_provider;
-    auto const own =
-        std::exchange(file_provider, std::unique_ptr<installer::FileProvider>(
-                                         reinterpret_cast<installer::FileProvider*>(&provider)));
-    EXPECT_EQ(get_wb_integration(site.host.session.tsd.components()), "wr-qev-1.0a");
-    static_cast<void>(file_provider.release());
+TEST(Actions, ReachAProvidersOperationsByTheirPositions) {
+    EXPECT_EQ(position(&ComponentProvider::query), 0U);
+    EXPECT_EQ(position(&ComponentProvider::fileList), 8U);
 }
 
 TEST(Actions, IntegrateUnderTheNameInTheFirstPathWithTheMarker) {
