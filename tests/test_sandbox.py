@@ -20,73 +20,62 @@ def preview(site, sandbox, before, setup, **how):
 
 
 def by_the_script(report):
-    """The changes but for those that the integration itself makes."""
-    return [line for line in report.changes if not re.search(" ./product/|/wr-qev", line)]
+    """The changes but for those that the integration itself makes, as seen from the workbench."""
+    lines = [line for line in report.changes if not re.search(" ./product/|/wr-qev", line)]
+    return [line.replace("./workbench/", "") for line in lines]
 
 
-@table(
-    "before, setup, changes",
-    {
-        "only touched": (":", "touch dir/file; chmod 755 dir", []),
-        "mode": (":", "chmod 1600 dir/file", ["M ./workbench/dir/file (mode 0644 -> 1600)"]),
-        "bytes": (r"printf 1\\0 >x", "echo >>x", ["M ./workbench/x (content 2 B -> 3 B)"]),
-        "fewer": ("head -c 2048 /dev/zero >x", "echo >x", ["M ./workbench/x (content 2,048 B -> 1 B)"]),
-        "much text": ("seq 999999 >x", "seq 9 >x", ["M ./workbench/x (content 6,888,888 B -> 18 B)"]),
-        "new folder": (":", "mkdir x; echo >x/1; ln -s a x/b", ["A ./workbench/x/ (2 files, 1 B)"]),
-        "that nobody can enter": (":", "mkdir x; chmod 0 x", ["A ./workbench/x/ (0 files, 0 B)"]),
-        "folder that is gone": ("mkdir x; seq 9 >x/y", "rm -r x", ["D ./workbench/x/ (1 file, 18 B)"]),
-        "many": ("mkdir x; touch $(seq -f x/%g 1000)", "rm -r x", ["D ./workbench/x/ (1,000 files, 0 B)"]),
-        "that is a file now": (
-            "mkdir x; seq 9 >x/y",
-            "rm -r x; echo >x",
-            ["T ./workbench/x (was a directory: 1 file, 18 B)"],
-        ),
-        "hole": (
-            "truncate -s 64M x",
-            "printf y | dd of=x seek=50M bs=1 conv=notrunc",
-            ["M ./workbench/x (content 67,108,864 B -> 67,108,864 B)"],
-        ),
-        "folders that were exchanged": (
-            "rm dir/other; mkdir x; touch x/a",
-            "mv x y; mv dir x; mv y dir",
-            ["A ./workbench/dir/a", "D ./workbench/dir/file", "D ./workbench/x/a", "A ./workbench/x/file"],
-        ),
-        "another type": ("touch x", "rm x; mkdir x", ["T ./workbench/x/ (0 files, 0 B)"]),
-        "link": ("ln -s tex x", "ln -sfn dir x", ["M ./workbench/x (link tex -> dir)"]),
-        "name of two lines": (":", 'touch "$(printf "a\\nb")"', ["A ./workbench/a\\nb"]),
-        "attribute": (":", "setfattr -n user.a -v 1 dir", ["M ./workbench/dir/ (attribute user.a)"]),
-        "HOME": ("echo a >~/x; chmod 600 ~/x", "echo >~/x", ["M ./home/x (text that others cannot read)"]),
-        "TMPDIR": (":", 'mkdir "$TMPDIR/x"', ["A ./tmp/x/ (0 files, 0 B)"]),
-        "/var/tmp": (":", "echo >/var/tmp/x.wb-trial", ["A /var/tmp/x.wb-trial"]),
-        "/dev/shm": (":", "echo >/dev/shm/x.wb-trial", ["A /dev/shm/x.wb-trial"]),
-    },
-)
+CHANGES = {
+    "only touched": (":", "touch dir/file; chmod 755 dir", []),
+    "mode": (":", "chmod 1600 dir/file", ["M dir/file (mode 0644 -> 1600)"]),
+    "bytes": (r"printf 1\\0 >x", "echo >>x", ["M x (content 2 B -> 3 B)"]),
+    "much text": ("seq 999999 >x", "seq 9 >x", ["M x (content 6,888,888 B -> 18 B)"]),
+    "new folder": (":", "mkdir x; echo >x/1; ln -s a x/b", ["A x/ (2 files, 1 B)"]),
+    "that nobody can enter": (":", "mkdir x; chmod 0 x", ["A x/ (0 files, 0 B)"]),
+    "many": ("mkdir x; touch $(seq -f x/%g 1000)", "rm -r x", ["D x/ (1,000 files, 0 B)"]),
+    "a file now": ("mkdir x; seq 9 >x/y", "rm -r x; >x", ["T x (was a directory: 1 file, 18 B)"]),
+    "a folder now": ("touch x", "rm x; mkdir x", ["T x/ (0 files, 0 B)"]),
+    "hole": (
+        "truncate -s 9K x",
+        "printf y | dd of=x seek=9 conv=notrunc",
+        ["M x (content 9,216 B -> 9,216 B)"],
+    ),
+    "exchanged": ("rm dir/other; mkdir x", "mv x y; mv dir x; mv y dir", ["D dir/file", "A x/file"]),
+    "link": ("ln -s tex x", "ln -sfn dir x", ["M x (link tex -> dir)"]),
+    "name of two lines": (":", 'touch "$(printf "a\\nb")"', ["A a\\nb"]),
+    "attribute": (":", "setfattr -n user.a -v 1 dir", ["M dir/ (attribute user.a)"]),
+    "HOME": ("echo a >~/x; chmod 600 ~/x", "echo >~/x", ["M ./home/x (text that others cannot read)"]),
+    "TMPDIR": (":", 'mkdir "$TMPDIR/x"', ["A ./tmp/x/ (0 files, 0 B)"]),
+    "/var/tmp": (":", "echo >/var/tmp/x.wb-trial", ["A /var/tmp/x.wb-trial"]),
+    "/dev/shm": (":", "echo >/dev/shm/x.wb-trial", ["A /dev/shm/x.wb-trial"]),
+}
+
+
+@table("before, setup, changes", CHANGES)
 def test_changes(site, sandbox, before, setup, changes):
     assert by_the_script(preview(site, sandbox, before, setup)) == changes
 
 
 @only_root
-@table(
-    "setup, changes",
-    {
-        "owner": ("chown 1:2 dir/file", ["M ./workbench/dir/file (owner 0 -> 1, group 0 -> 2)"]),
-        "of the workbench": ("chgrp 3 .", ["M ./workbench/ (group 0 -> 3)"]),
-        "anywhere": (
-            "echo >/etc/x.wb-trial; echo >/root/x.wb-trial",
-            ["A /etc/x.wb-trial", "A /root/x.wb-trial"],
-        ),
-    },
-)
-def test_changes_by_root(site, sandbox, setup, changes):
-    assert by_the_script(preview(site, sandbox, ":", setup)) == changes
+def test_changes_by_root(site, sandbox):
+    setup = "chown 1:2 dir/file; chgrp 3 .; touch /etc/x.wb-trial /root/x.wb-trial"
+    assert by_the_script(preview(site, sandbox, ":", setup)) == [
+        "A /etc/x.wb-trial",
+        "M  (group 0 -> 3)",
+        "M dir/file (owner 0 -> 1, group 0 -> 2)",
+        "A /root/x.wb-trial",
+    ]
     assert not os.path.exists("/etc/x.wb-trial")
 
 
 @only_root
-def test_whiteout_on_the_disk_is_no_change(site, sandbox):
-    """An overlay does not show it."""
-    report = preview(site, sandbox, "mknod dir/0 c 0 0", "rm -r dir; mkdir dir; touch dir/file dir/other")
-    assert by_the_script(report) == []
+def test_devices(site, sandbox):
+    """An overlay does not show 0:0. In a sandbox nobody can make another one."""
+    whiteout = "mknod dir/0 c 0 0", "rm -r dir; mkdir dir; touch dir/file dir/other"
+    assert by_the_script(preview(site, sandbox, *whiteout)) == []
+    site.lay("rm x; mknod x c 1 5")
+    site.shell("mknod workbench/x c 1 3")
+    assert "M x (device 1:3 -> 1:5)" in by_the_script(site.wb_trial("check", "--no-sandbox", "s.toml"))
 
 
 @pytest.mark.parametrize("log", ["/dev/null", "/var/tmp/x.log", "x.log", "link", "workbench/dangling"])
@@ -95,27 +84,19 @@ def test_log_is_no_change(site, sandbox, log):
     assert by_the_script(preview(site, sandbox, before, ":", variables={"log_file": log})) == []
 
 
-@table(
-    "before, setup, difference",
-    {
-        "no line end": (
-            "echo a >x",
-            "printf b >x",
-            ["-a", "+b", "\\ No newline at end of file"],
-        ),
-        "control characters": ("echo a >x", r"printf '\033[1m\n' >x", ["-a", r"+\x1b[1m"]),
-        "long line": ("echo a >x", "printf '%0400d\n' 0 >x", ["-a", "+" + 299 * "0"]),
-        "many lines": (
-            "seq 10 29 >x",
-            "seq 40 60 >x",
-            [*(f"-{number}" for number in range(10, 30)), "21 more lines"],
-        ),
-    },
-)
+DIFFERENCES = {
+    "no line end": ("echo a >x", "printf b >x", "-a\n+b\n\\ No newline at end of file"),
+    "control characters": ("echo a >x", r"printf '\033[1m\n' >x", "-a\n" r"+\x1b[1m"),
+    "long line": ("echo a >x", "printf '%0400d\n' 0 >x", "-a\n+" + 299 * "0"),
+    "many lines": ("yes a | head -n 20 >x", "yes | head -n 21 >x", 20 * "-a\n" + "21 more lines"),
+}
+
+
+@table("before, setup, difference", DIFFERENCES)
 def test_difference(site, sandbox, before, setup, difference):
     report = preview(site, sandbox, before, setup)
     shown = re.search(r"  M ./workbench/x\n((?:      .*\n)*)", report.text)[1]
-    assert [line[6:] for line in shown.splitlines()] == difference
+    assert [line[6:] for line in shown.splitlines()] == difference.splitlines()
 
 
 def test_differences_of_more_files_than_can_be_open(site, sandbox):
@@ -124,65 +105,61 @@ def test_differences_of_more_files_than_can_be_open(site, sandbox):
     assert report.text.count("\n      +\n") == 302
 
 
-@table(
-    "setup, change",
-    {
-        "file": ("echo b >x; chmod 0 x", "M ./workbench/x (mode 0644 -> 0000, content 2 B -> 2 B)"),
-        "folder": ("chmod 0 dir", "M ./workbench/dir (not known: Permission denied)"),
-    },
-)
+UNREADABLE = {
+    "file": ("echo b >x; chmod 0 x", "M ./workbench/x (mode 0644 -> 0000, content 2 B -> 2 B)"),
+    "folder": ("chmod 0 dir", "M ./workbench/dir (not known: Permission denied)"),
+}
+
+
+@table("setup, change", UNREADABLE)
 def test_what_cannot_be_read_is_a_change(site, setup, change):
     """Without a sandbox, in which its owner may read it."""
     site.lay(setup)
     site.shell("echo a >workbench/x")
-    assert change in Way("no-sandbox-user", ORDINARY_USER, ["--no-sandbox"])(site).changes
-
-
-@only_root
-def test_changed_device(site, sandbox):
-    """In a sandbox nobody can make one."""
-    site.lay("rm x; mknod x c 1 5")
-    site.shell("mknod workbench/x c 1 3")
-    report = site.wb_trial("check", "--no-sandbox", "s.toml")
-    assert "M ./workbench/x (device 1:3 -> 1:5)" in report.changes
+    assert change in Way(ORDINARY_USER, ["--no-sandbox"])(site).changes
 
 
 SESSION_KEYRING = "import ctypes; print(ctypes.CDLL(None).syscall(250, 0, -3, 0))"
 
 
-@table(
-    "before, setup",
-    {
-        "few processes": (":", "[ $(ls -d /proc/[0-9]* | wc -w) -lt 20 ]"),
-        "nothing of wb-trial": (":", "! readlink /proc/[12]/exe /proc/[12]/fd/*"),
-        "no devices": (":", "! mknod x b 8 1"),
-        "no further namespaces": (":", "! unshare -m true"),
-        "its user": (":", "[ $(id -u):$(id -g) = $user:$user ]"),
-        "message queues of its own": (":", "[ $(readlink /proc/self/ns/ipc) != $queues ]"),
-        "/run and /dev as they are": (":", "! touch /run/x.wb-trial && ! touch /dev/x.wb-trial"),
-        "no memory in place of a disk": (":", "! grep '^tmpfs /[a-z]* .*mode=700' /proc/mounts"),
-        "no network settings": (":", "! ip link set lo mtu $(cat /sys/class/net/lo/mtu)"),
-        "session keyring of its own": (":", f"[ $(/usr/bin/python3 -c '{SESSION_KEYRING}') != $keyring ]"),
-        "default ACL": ("setfacl -d -m g::r,o::- ..", "echo >../x; [ $(stat -c %a ../x) = 640 ]"),
-    },
-)
-def test_what_a_script_finds(site, sandbox, before, setup):
-    keyring = subprocess.check_output(
-        [*as_user(sandbox.user), "/usr/bin/python3", "-c", SESSION_KEYRING], text=True
-    )
+FOUND_BY_A_SCRIPT = {
+    "few processes": "[ $(ls -d /proc/[0-9]* | wc -w) -lt 20 ]",
+    "nothing of wb-trial": "! readlink /proc/[12]/exe /proc/[12]/fd/*",
+    "no devices": "! mknod x b 8 1",
+    "no further namespaces": "! unshare -m true",
+    "its user": "[ $(id -u):$(id -g) = $user:$user ]",
+    "another user": "[ $user != 0 ] || { useradd -m wb-trial-x && su wb-trial-x -c id; }",
+    "message queues of its own": "[ $(readlink /proc/self/ns/ipc) != $queues ]",
+    "session keyring of its own": f"[ $(/usr/bin/python3 -c '{SESSION_KEYRING}') != $keyring ]",
+    "/run and /dev as they are": "! touch /run/x.wb-trial && ! touch /dev/x.wb-trial",
+    "no memory in place of a disk": "! grep '^tmpfs /[a-z]* .*mode=700' /proc/mounts",
+    "no network settings": "! ip link set lo mtu $(cat /sys/class/net/lo/mtu)",
+    "default ACL": "echo >../x; [ $(stat -c %a ../x) = 640 ]",
+    "limit of open files as it was": "[ $(ulimit -n) = 30 ]",
+    "TMPDIR as it was": "! mktemp",
+}
+
+
+@table("setup", FOUND_BY_A_SCRIPT)
+def test_what_a_script_finds(site, sandbox, setup):
+    site.lay(setup)
+    site.shell("setfacl -d -m g::r,o::- .")
+    ask = ["/usr/bin/python3", "-c", SESSION_KEYRING]
+    keyring = subprocess.check_output([*as_user(sandbox.user), *ask], text=True)
     outside = {"user": f"{sandbox.user}", "queues": os.readlink("/proc/self/ns/ipc"), "keyring": keyring}
-    report = preview(site, sandbox, before, setup, environment=outside)
-    assert report.status == 0, report.text
+    environment = outside | {"TMPDIR": "/nonexistent"}
+    report = sandbox(site, within=["prlimit", "--nofile=30:4096"], environment=environment)
+    assert "perform_integration returned 0" in report.lines, report.text
 
 
-@table(
-    "setup, status, sentence",
-    {
-        "kills all": ("kill -9 -1", 1, "wb-trial: signal 9 ended the sandbox"),
-        "kills its group": ("trap 'kill 0' EXIT", 1, "ended by signal 15 (Terminated)"),
-        "leaves a process": ("sleep 98.5 >/dev/null 2>&1 &", 0, "note: still running: sleep 98.5"),
-    },
-)
+PROCESSES = {
+    "kills all": ("kill -9 -1", 1, "wb-trial: signal 9 ended the sandbox"),
+    "kills its group": ("trap 'kill 0' EXIT", 1, "ended by signal 15 (Terminated)"),
+    "leaves a process": ("sleep 98.5 >/dev/null 2>&1 &", 0, "note: still running: sleep 98.5"),
+}
+
+
+@table("setup, status, sentence", PROCESSES)
 def test_process(site, sandbox, setup, status, sentence):
     report = preview(site, sandbox, ":", setup)
     assert (report.status, sentence in report.text) == (status, True), report.text
@@ -201,29 +178,26 @@ def test_product_that_is_not_the_whole_disk(site, sandbox):
     assert sandbox(site, variables=installed).failures == [f"{BESIDE}: A ./home/x"]
 
 
+MOUNTS = {
+    "read-only": ("mount -t tmpfs -o ro a dir", "! echo >dir/x"),
+    "flags": ("mount -t tmpfs -o nosuid,nodev a dir", "grep 'dir overlay .*nosuid,nodev' /proc/mounts"),
+    "owner": ("mount -t tmpfs -o uid=1,gid=2 a dir", "[ $(stat -c %u:%g dir) = 1:2 ]"),
+    "no overlay": ("mount -t proc a dir", "test -e dir/self && ! echo >dir/x"),
+    "a file": ("mount --bind $setup dir/file", "grep mount dir/file && ! echo >dir/file"),
+    "a file beside": ("mount --bind ../s.toml ~/file", "grep SUPPORTED ~/file && ! echo >~/file"),
+    "one in another, with an odd name": (
+        r"mount -t tmpfs a dir; mkdir 'dir/a,b:c\d'; cd dir/a*; mount -t tmpfs b $PWD; echo b >$PWD/b; cd ../..",
+        "cat dir/a*/b && echo >dir/x && rm dir/x",
+    ),
+    "hidden": (
+        "mount -t tmpfs a dir; mkdir dir/in; mount -t tmpfs b dir/in; mount -t tmpfs c dir; mkdir dir/in",
+        "echo >dir/in/x && rm dir/in/x",
+    ),
+}
+
+
 @only_root
-@table(
-    "mounting, setup",
-    {
-        "read-only": ("mount -t tmpfs -o ro a dir", "! echo >dir/x"),
-        "flags": (
-            "mount -t tmpfs -o nosuid,nodev,noexec a dir",
-            'grep " $workbench/dir overlay" /proc/mounts | grep nosuid,nodev,noexec',
-        ),
-        "owner": ("mount -t tmpfs -o uid=1,gid=2 a dir", "[ $(stat -c %u:%g dir) = 1:2 ]"),
-        "no overlay": ("mount -t proc a dir", "test -e dir/self && ! echo >dir/x"),
-        "a file": ("mount --bind $setup dir/file", "grep mount dir/file && ! echo >dir/file"),
-        "a file beside": ("mount --bind ../s.toml ~/file", "grep SUPPORTED ~/file && ! echo >~/file"),
-        "one in another, with an odd name": (
-            r"mount -t tmpfs a dir; mkdir 'dir/a,b:c\d'; cd dir/a*; mount -t tmpfs b $PWD; echo b >$PWD/b; cd ../..",
-            "cat dir/a*/b && echo >dir/x && rm dir/x",
-        ),
-        "hidden": (
-            "mount -t tmpfs a dir; mkdir dir/in; mount -t tmpfs b dir/in; mount -t tmpfs c dir; mkdir dir/in",
-            "echo >dir/in/x && rm dir/in/x",
-        ),
-    },
-)
+@table("mounting, setup", MOUNTS)
 def test_mount(site, sandbox, mounting, setup):
     site.lay(setup)
     site.shell("touch home/file")
@@ -231,14 +205,14 @@ def test_mount(site, sandbox, mounting, setup):
     assert (report.verdict, report.failures) == ("as it was", []), report.text
 
 
-@table(
-    "mounting",
-    {
-        "hidden": "cd workbench; mount -t tmpfs a $PWD; mkdir $PWD/in; mount -t tmpfs b $PWD/in\n"
-        "mount -t tmpfs c $PWD; mkdir $PWD/in; echo name=3.1 >$PWD/install.properties; cd ..",
-        "of a name that begins alike": "mount -t tmpfs a workbench-2",
-    },
-)
+HARMLESS_MOUNTS = {
+    "hidden": "cd workbench; mount -t tmpfs a $PWD; mkdir $PWD/in; mount -t tmpfs b $PWD/in\n"
+    "mount -t tmpfs c $PWD; mkdir $PWD/in; echo name=3.1 >$PWD/install.properties; cd ..",
+    "of a name that begins alike": "mount -t tmpfs a workbench-2",
+}
+
+
+@table("mounting", HARMLESS_MOUNTS)
 def test_mount_that_is_in_nobodys_way(site, sandbox, mounting):
     site.shell("mkdir workbench-2")
     report = sandbox(site, within=["unshare", "-Urm", *first(mounting)], variables=NO_LOG)
@@ -246,7 +220,6 @@ def test_mount_that_is_in_nobodys_way(site, sandbox, mounting):
 
 
 def test_mount_in_home_and_in_temporary_directory(site, sandbox):
-    """It keeps these from changing, and nothing else."""
     site.lay('echo "$TMPDIR"; echo >~/file')
     site.shell("mkdir home/share tmp/mount")
     mounting = "mount -t tmpfs x home/share; mount -t tmpfs x tmp/mount"
@@ -267,80 +240,65 @@ def test_mount_in_a_directory_that_the_user_cannot_enter(site, sandbox):
     assert report.verdict == "as it was", report.text
 
 
+CONFINED = {
+    "no right to mount": ["setpriv", "--bounding-set=-sys_admin"],
+    "no right to give away": ["setpriv", "--bounding-set=-chown"],
+    "root of a namespace": ["unshare", "-Ur"],
+}
+
+
 @only_root
-@table(
-    "words",
-    {
-        "no right to mount": ["setpriv", "--bounding-set=-sys_admin"],
-        "no right to give away": ["setpriv", "--bounding-set=-chown"],
-        "root of a namespace": ["unshare", "-Ur"],
-    },
-)
-def test_root_whose_rights_are_confined(site, sandbox, words):
-    """Has a user's sandbox."""
+@table("words", CONFINED)
+def test_root_whose_rights_are_confined_has_a_users_sandbox(site, sandbox, words):
     site.lay("rm -r dir; mkdir dir; touch dir/file dir/other; grep ' 1$' /proc/self/uid_map")
     report = sandbox(site, within=words)
     assert (report.verdict, report.failures) == ("as it was", []), report.text
 
 
-@table(
-    "limit, cause",
-    {
-        "mount": ("mount -t tmpfs x workbench/dir", "because of the mount at ./workbench/dir"),
-        "no namespace": (
-            "echo 0 >/proc/sys/user/max_user_namespaces",
-            "user.max_user_namespaces is 0; change it",
-        ),
-        "few open files": ("ulimit -n 10", "open files; raise the limit with ulimit -n"),
-    },
-)
+NO_NAMESPACES = "echo 0 >/proc/sys/user/max_user_namespaces"
+
+
+LIMITS = {
+    "mount": ("mount -t tmpfs x workbench/dir", "because of the mount at ./workbench/dir"),
+    "no namespace": (NO_NAMESPACES, "user.max_user_namespaces is 0; change it"),
+    "few open files": ("ulimit -n 10", "open files; raise the limit with ulimit -n"),
+}
+
+
+@table("limit, cause", LIMITS)
 def test_refusal(site, sandbox, limit, cause):
     """Where there can be no sandbox nothing is run, on the disk neither."""
     site.lay("echo run")
     report = sandbox(site, within=["unshare", "-Urm", *first(limit)], variables=NO_LOG)
-    assert (report.status, len(report.lines)) == (2, 1), report.text
     assert report.refusal.startswith("there can be no sandbox: ")
+    assert len(report.lines) == 1
     assert cause in report.refusal
     assert ("--no-sandbox" in report.refusal) == ("ulimit" not in cause)
 
 
+ABOVE = "mkdir a; mv workbench a; ln -s a/* .; chown 12345 a; chmod 311 ."
+
+
+AMONG_OTHERS = {
+    "group": ("chgrp 1 workbench; chmod 775 workbench", [], 2, "(group daemon); run it as root"),
+    "group of all": ("chgrp -R 1 .; chmod 775 workbench", [], 2, "in sg daemon -c '...', or as root"),
+    "owner": ("chown 0 workbench; chmod 777 workbench", [], 2, "./workbench (owner 0); run it as"),
+    "files": ("umask 0; touch workbench/x workbench/y", [], 2, "./workbench/x (owner 0) and 1 more;"),
+    "file in the product": ("umask 0; touch product/x", [], 2, "./product/x (owner 0);"),
+    "its group": ("chgrp 1 $copied", [], 2, "$copied (group daemon);"),
+    "ACL": ("setfacl -m u:12:r $copied", [], 2, "$copied (others have rights"),
+    "ACL for itself": ("setfacl -m u:4711:r $copied", [], 0, "as it was."),
+    "folder": ("mkdir -m 777 workbench/x", [], 2, "./workbench/x (owner 0);"),
+    "own in such a folder": ("cd workbench; mkdir x; mv dir x", [], 2, "x/dir (others have rights"),
+    "file not to be written": ("chown 0 $copied", [], 0, "as it was."),
+    "not to be written": ("chown 0 workbench", [], 1, 'PATH_STATUS = "notwritable"'),
+    "folder above": (ABOVE, [], 0, "as it was."),
+    "copied file": ("chown 0 $copied", ["--no-sandbox"], 0, "as it was."),
+}
+
+
 @only_root
-@table(
-    "before, option, status, sentence",
-    {
-        "group": (
-            "chgrp 1 workbench; chmod 775 workbench",
-            [],
-            2,
-            "./workbench (group daemon); run it as root",
-        ),
-        "group of all": (
-            "chgrp -R 1 .; chmod 775 workbench",
-            [],
-            2,
-            "run it in sg daemon -c '...', or as root",
-        ),
-        "owner": ("chown 0 workbench; chmod 777 workbench", [], 2, "./workbench (owner 0); run it as"),
-        "files": ("umask 0; touch workbench/x workbench/y", [], 2, "./workbench/x (owner 0) and 1 more;"),
-        "file in the product": ("umask 0; touch product/x", [], 2, "./product/x (owner 0);"),
-        "its group": ("chgrp 1 $copied", [], 2, "$copied (group daemon);"),
-        "ACL": ("setfacl -m u:12:r $copied", [], 2, "$copied (others have rights"),
-        "ACL for itself": ("setfacl -m u:4711:r $copied", [], 0, "as it was."),
-        "folder": ("mkdir -m 777 workbench/x", [], 2, "./workbench/x (owner 0);"),
-        "own in such a folder": ("cd workbench; mkdir x; mv dir x", [], 2, "x/dir (others have rights"),
-        "file not to be written": ("chown 0 $copied", [], 0, "as it was."),
-        "not to be written": ("chown 0 workbench", [], 1, 'PATH_STATUS = "notwritable"'),
-        "folder above": (
-            "mkdir a; mv workbench a; ln -s a/* .; chown 12345 a; chmod 311 .",
-            [],
-            0,
-            "as it was.",
-        ),
-        "copied file": ("chown 0 $copied", ["--no-sandbox"], 0, "as it was."),
-        "secret file": ("chown 0 $copied; chmod 600 $copied", ["--no-sandbox"], 2, "cannot be copied"),
-        "no TMPDIR": ("rm -r tmp", ["--no-sandbox"], 2, "TMPDIR names no directory"),
-    },
-)
+@table("before, option, status, sentence", AMONG_OTHERS)
 def test_user_among_others(site, sandbox, before, option, status, sentence):
     """What a user with a further group could change outside and not in a sandbox, or could not copy."""
     site.lay("echo >x", "rm x")
@@ -358,9 +316,8 @@ def test_nobody(site, sandbox):
     """To the user 65534 what others own looks in a user namespace like its own."""
     site.give_to(65534)
     site.shell("chown -R 0:0 workbench")
-    assert (
-        'PATH_STATUS = "notwritable"' in site.wb_trial("check", "s.toml", user=65534, variables=NO_LOG).text
-    )
+    report = site.wb_trial("check", "s.toml", user=65534, variables=NO_LOG)
+    assert 'PATH_STATUS = "notwritable"' in report.text
     site.shell("chmod 666 workbench/dir/file")
     report = site.wb_trial("check", "s.toml", user=65534)
     assert "./workbench/dir/file (owner 0); run it as root" in report.refusal, report.text
@@ -378,26 +335,11 @@ def test_working_directory_that_cannot_be_entered(site, sandbox):
     site.give_to(4711)
     within = [*first("mkdir -m 700 closed; cd closed"), *as_user(4711)]
     report = site.wb_trial("check", str(site.session), within=within)
-    assert (report.status, "./closed: Permission denied" in report.refusal) == (2, True), report.text
-
-
-@only_root
-def test_mode_of_a_copy_that_is_somebody_elses(site, sandbox):
-    site.give_to(4711)
-    site.shell("mkdir -m 777 $copy")
-    assert "stays 0777, for the folder is somebody else's" in site.integrate(user=4711).notes[0]
-
-
-@only_root
-def test_without_proc(site, sandbox):
-    mounting = ["unshare", "-m", *first("mount -t tmpfs x /proc")]
-    report = site.wb_trial("check", "--no-sandbox", "s.toml", within=mounting)
-    assert report.notes[0] == "there is no /proc: what still runs after the uninstall is not seen"
+    assert "./closed: Permission denied" in report.refusal, report.text
 
 
 def test_scratch_folder(site, sandbox):
-    """It is on the disk where memory keeps no attributes. What an earlier run left behind is removed, and what is in
-    use is not."""
+    """It is on the disk where memory keeps no attributes. What an earlier run left is removed, unless in use."""
     site.lay("mkdir x; echo >x/y", "rm -r x")
     name = f"/var/tmp/wb-trial-sandbox-{site.root.name}"
     before = f"mkdir -p {name}-left/work/work {name}-used; chmod 0 {name}-left/work/work"
@@ -409,7 +351,6 @@ def test_scratch_folder(site, sandbox):
 
 @pytest.mark.parametrize("log", ["fifo", "logs/log"])
 def test_log_that_can_be_written_outside_alone(site, sandbox, log):
-    """It is lost in a sandbox anyway."""
     site.shell("mkfifo fifo; mkdir -p logs/in")
     mounting = ["unshare", "-Urm", *first("mount -t tmpfs x logs/in")]
     report = sandbox(site, within=mounting, variables={"log_file": log})
@@ -417,25 +358,7 @@ def test_log_that_can_be_written_outside_alone(site, sandbox, log):
     assert (report.verdict, report.failures) == ("as it was", [])
 
 
-def test_temporary_directory_that_is_not_there(site, sandbox):
-    site.lay("f=$(mktemp) || exit 7")
-    report = sandbox(site, environment={"TMPDIR": "/nonexistent"})
-    assert "perform_integration returned 7" in report.lines
-
-
-def test_limit_of_open_files(site, sandbox):
-    """The sandbox needs more, the scripts get what there was."""
-    site.lay("[ $(ulimit -n) = 30 ]")
-    assert sandbox(site, within=["prlimit", "--nofile=30:4096"]).status == 0
-
-
 def test_hard_links(site, sandbox):
     site.lay("cp -p a c; echo >>a", "mv c a")
     site.shell("cd workbench; touch a; ln a b")
     assert any("./workbench/a has several hard links" in warning for warning in sandbox(site).warnings)
-
-
-@only_root
-def test_user_that_is_made(site, sandbox):
-    site.lay("useradd -m wb-trial-x && su wb-trial-x -c id", "userdel wb-trial-x")
-    assert "(wb-trial-x)" in sandbox(site).output[0]

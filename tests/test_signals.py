@@ -5,7 +5,7 @@ import socket
 
 import pexpect
 import pytest
-from conftest import as_user, can, needs_proc, needs_terminal, table
+from conftest import as_user, needs_proc, needs_strace, needs_terminal, table
 
 DEFAULT_SIGNALS = ["env", "--default-signal"]  # whatever the tests' own caller ignores
 
@@ -26,53 +26,50 @@ def accept(server):
     return connection
 
 
+def ends_all(process, server, number):
+    """Fails unless the signal ends wb-trial, and the hanging script with it."""
+    with process, accept(server) as connection:
+        process.send_signal(number)
+        assert process.wait(30) == -number
+        assert connection.recv(1) == b""
+
+
 @pytest.mark.parametrize("number", [signal.SIGKILL, signal.SIGTERM, signal.SIGINT])
 def test_sandbox_ends_with_wb_trial(site, sandbox, hanging, number):
     site.give_to(sandbox.user)
-    with site.start("check", "s.toml", user=sandbox.user, within=DEFAULT_SIGNALS) as process, accept(
-        hanging
-    ) as connection:
-        process.send_signal(number)
-        assert process.wait(30) == -number
-        assert connection.recv(1) == b""
+    ends_all(site.start("check", "s.toml", user=sandbox.user, within=DEFAULT_SIGNALS), hanging, number)
+
+
+ALONE = {
+    "install": (["install"], False),
+    "check": (["check", "--no-sandbox"], False),
+    "copies": (["check", "--no-sandbox"], True),
+}
 
 
 @pytest.mark.parametrize("number", [signal.SIGTERM, signal.SIGINT, signal.SIGHUP])
-@table(
-    "words, is_copying",
-    {
-        "install": (["install"], False),
-        "check": (["check", "--no-sandbox"], False),
-        "copies": (["check", "--no-sandbox"], True),
-    },
-)
+@table("words, is_copying", ALONE)
 @needs_proc
 def test_signal_to_wb_trial_alone(site, hanging, number, words, is_copying):
-    """It ends what is run too, a cp as well. Nothing else is run, and no copies stay."""
+    """A cp is ended too. Nothing else is run, and no copies stay."""
     if is_copying:
         site.shell("cp $setup cp")
     path = {"PATH": f"{site.root}:{site.environment['PATH']}"}
-    with site.start(*words, "s.toml", environment=path) as process, accept(hanging) as connection:
-        process.send_signal(number)
-        assert process.wait(30) == -number
-        assert connection.recv(1) == b""
+    ends_all(site.start(*words, "s.toml", within=DEFAULT_SIGNALS, environment=path), hanging, number)
     assert site.copy.exists() != is_copying
     assert list(site.temporary.iterdir()) == []
 
 
 @needs_terminal
-def test_script_asks_in_a_terminal(site):
-    """Also where wb-trial leads the terminal's session."""
+def test_script_asks_in_a_terminal_whose_session_wb_trial_leads(site):
     site.lay("read answer </dev/tty; echo $answer >answer")
-    arguments = {"cwd": site.root, "env": site.environment, "timeout": 30}
-    terminal = pexpect.spawn("wb-trial", ["install", "s.toml"], **arguments)
+    terminal = pexpect.spawn("wb-trial install s.toml", cwd=site.root, env=site.environment)
     terminal.sendline("yes")
     terminal.expect(pexpect.EOF)
     assert (site.workbench / "answer").read_text() == "yes\n"
 
 
 def test_control_c_in_a_terminal(site, way, hanging):
-    """It ends the script too. Nothing else is run, and no copies stay."""
     site.give_to(way.user)
     words = [*DEFAULT_SIGNALS, *as_user(way.user), "wb-trial", "check", *way.options, "s.toml"]
     terminal = pexpect.spawn(words[0], words[1:], cwd=site.root, env=site.environment, timeout=30)
@@ -88,20 +85,19 @@ def test_control_c_in_a_terminal(site, way, hanging):
 
 def signalled(number, call, file):
     """The words before a command that gets a signal with a call of the kernel about that file."""
-    if not can("strace", "true"):
-        pytest.skip("strace cannot be used here")
     inject = f"--inject={call}:signal={number.name}"
     return [*DEFAULT_SIGNALS, "strace", "-qq", "-o", "/dev/null", "-P", str(file), inject]
 
 
-@table(
-    "number, call, copied",
-    {
-        "begun": (signal.SIGHUP, "pread64:when=2", {}),
-        "done": (signal.SIGTERM, "newfstatat,statx:when=1", {"large": 0o755}),
-        "cannot be held": (signal.SIGKILL, "pread64:when=2", {".wb-trial": 0o600}),
-    },
-)
+COPYING = {
+    "begun": (signal.SIGHUP, "pread64:when=2", {}),
+    "done": (signal.SIGTERM, "newfstatat,statx:when=1", {"large": 0o755}),
+    "cannot be held": (signal.SIGKILL, "pread64:when=2", {".wb-trial": 0o600}),
+}
+
+
+@table("number, call, copied", COPYING)
+@needs_strace
 @needs_proc
 def test_signal_while_a_file_is_copied(site, number, call, copied):
     """Nothing that is half written gets its name, or rights for others."""
@@ -114,6 +110,7 @@ def test_signal_while_a_file_is_copied(site, number, call, copied):
     assert {name: names[name] for name in names if name in (".wb-trial", "large")} == copied
 
 
+@needs_strace
 def test_control_c_while_a_preferences_file_is_written(site):
     report = site.run("init_wb_prefs", within=signalled(signal.SIGINT, "llistxattr", site.prefs))
     assert report.status == -signal.SIGINT
