@@ -81,8 +81,8 @@ void save_entry(fs::path const& listed, std::string const& key, std::string cons
     if (!fs::is_regular_file(file)) throw std::runtime_error("it is not a regular file");
     std::string const before = read_text(file);
     auto const [text, replaced] = with_entry(before, key, separator, entry);
-    replace_file(file, [&, &text = text](fs::path const& fresh) {
-        if (!(std::ofstream(fresh) << text << std::flush))
+    replace_file(file, [&, &changed = text](fs::path const& fresh) {
+        if (!(std::ofstream(fresh) << changed << std::flush))
             throw std::system_error(errno, std::generic_category());
         copy_attributes(file, fresh, outcome);
     });
