@@ -295,7 +295,8 @@ def program(base):
     """A copy of the program and its libraries that everybody can run."""
     for name in ("wb-trial", "libworkbench-int.so.1n", "hostcheck/libworkbench-int.so.1n"):
         (base / "program" / name).parent.mkdir(exist_ok=True)
-        shutil.copy(BUILD / name, base / "program" / name)
+        shutil.copyfile(BUILD / name, base / "program" / name)
+        (base / "program" / name).chmod(0o755)
     return base / "program"
 
 

@@ -58,18 +58,19 @@ def test_process_that_ends_while_it_is_looked_at(site):
 
 
 PRODUCTS = {
-    "its script and the text of preferences": (":", False),
-    "another file": ("echo >>$product/suite/file", True),
-    "the mode of preferences": ("chmod 600 $prefs", True),
-    "preferences that are gone": ("rm $prefs", True),
-    "another line in preferences": ("echo c=3 >>$prefs", True),
+    "its script and the text of preferences": (":", ":", False),
+    "another file": ("echo >>$product/suite/file", ":", True),
+    "the mode of preferences": ("chmod 600 $prefs", ":", True),
+    "preferences that are gone": (":", "rm $prefs", True),
+    "another line before the location was set": ("echo c=3 >>$prefs", ":", True),
+    "another line after that": (":", "echo c=3 >>$prefs", True),
 }
 
 
-@table("setup, has_note", PRODUCTS)
-def test_product(site, way, setup, has_note):
+@table("setup, uninstall, has_note", PRODUCTS)
+def test_product(site, way, setup, uninstall, has_note):
     """A check tells of every change of the product but those that an integration has to make."""
-    site.lay(setup)
+    site.lay(setup, uninstall)
     (site.product / "suite/file").touch()
     report = way(site)
     assert report.verdict == "as it was", report.text
