@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <fstream>
+#include <thread>
 
 #include "sandbox/sandbox.h"
 
@@ -29,6 +31,17 @@ std::string remedy() {
            "a container has to allow CAP_SYS_ADMIN, unshare and mount";
 }
 
+/// Tries again, for the kernel counts a thread that has been joined a moment longer, and a process
+/// with threads gets no user namespace.
+bool unshare_users() {
+    int result = -1;
+    for (int tries = 0; tries < 1000 && (result = unshare(CLONE_NEWUSER)) != 0; ++tries) {
+        if (errno != EINVAL) break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return result == 0;
+}
+
 } // namespace
 
 void require_permission(bool succeeds, std::string const& what) {
@@ -41,7 +54,7 @@ void require_permission(bool succeeds, std::string const& what) {
 void enter_user_namespace() {
     std::string const user = std::to_string(geteuid());
     std::string const group = std::to_string(getegid());
-    require_permission(unshare(CLONE_NEWUSER) == 0, "unshare");
+    require_permission(unshare_users(), "unshare");
     auto const write = [](std::string const& file, std::string const& text) {
         require_permission(bool(std::ofstream("/proc/self/" + file) << text << std::flush),
                            "write /proc/self/" + file);
