@@ -57,7 +57,6 @@ struct File {
     }
     ~File() { close(descriptor); }
     File(File const&) = delete;
-    File& operator=(File const&) = delete;
 };
 
 /// The copying of one tree.

@@ -28,7 +28,6 @@ struct ProductComponent : Component {
 struct Session : session_t {
     std::map<std::string, std::string> variables;
     std::vector<std::unique_ptr<ProductComponent>> components; ///< an entry may be null
-    std::vector<std::string> ignored; ///< patterns of paths that an uninstall may leave
 
     /// The variable's value, or the empty string.
     std::string value(std::string const& name) const {

@@ -21,14 +21,6 @@ struct Capabilities {
     bool set() { return syscall(SYS_capset, &header, sets) == 0; }
 };
 
-void use_right_to_read(bool is_used) {
-    Capabilities own;
-    std::uint32_t const right = CAP_TO_MASK(CAP_DAC_READ_SEARCH);
-    bool const is_kept_back = own.get() && own.sets[0].permitted == right;
-    own.sets[0].effective = is_used ? right : 0;
-    if (is_kept_back) own.set();
-}
-
 } // namespace
 
 bool has_rights_of_root() {
@@ -67,12 +59,12 @@ void drop_capabilities(std::set<int> const& forbidden, bool is_root) {
     require(kept.set(), "drop capabilities");
 }
 
-ReadingRights::ReadingRights() {
-    use_right_to_read(true);
-}
-
-ReadingRights::~ReadingRights() {
-    use_right_to_read(false);
+void ReadingRights::use(bool is_used) {
+    Capabilities own;
+    std::uint32_t const right = CAP_TO_MASK(CAP_DAC_READ_SEARCH);
+    bool const is_kept_back = own.get() && own.sets[0].permitted == right;
+    own.sets[0].effective = is_used ? right : 0;
+    if (is_kept_back) own.set();
 }
 
 } // namespace sandbox

@@ -21,10 +21,13 @@ void drop_capabilities(std::set<int> const& forbidden, bool is_root);
 /// closed.
 class ReadingRights {
   public:
-    ReadingRights();
-    ~ReadingRights();
+    ReadingRights() { use(true); }
+    ~ReadingRights() { use(false); }
     ReadingRights(ReadingRights const&) = delete;
     ReadingRights& operator=(ReadingRights const&) = delete;
+
+  private:
+    static void use(bool is_used);
 };
 
 } // namespace sandbox

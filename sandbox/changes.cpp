@@ -104,7 +104,6 @@ struct File {
     explicit File(fs::path const& path) : descriptor(open(path.c_str(), O_RDONLY)) {}
     ~File() { close(descriptor); }
     File(File const&) = delete;
-    File& operator=(File const&) = delete;
 };
 
 /// Where the file holds data at or behind `at`, or `end` where only a hole follows.
@@ -236,11 +235,8 @@ class Comparison {
             return report('T', path, now, "was a directory: " + summary(old(path)));
         }
         if (!is_untouched(before, now)) compare_itself(path, record, now);
-        if (S_ISDIR(now.st_mode)) compare_contents(path);
-    }
-
-    void compare_contents(fs::path const& directory) {
-        for (std::string const& name : names_that_can_differ(directory)) compare(directory / name);
+        if (!S_ISDIR(now.st_mode)) return;
+        for (std::string const& name : names_that_can_differ(path)) compare(path / name);
     }
 
     std::set<std::string> names_that_can_differ(fs::path const& directory) {

@@ -35,10 +35,9 @@ Watched watch(std::filesystem::path const& directory, std::filesystem::path cons
               std::filesystem::path const& upper);
 
 struct Change {
-    char letter;      ///< A added, M changed, D gone, T now of another type
-    std::string path; ///< absolute; a folder's ends with "/"
-    std::string
-        detail; ///< what changed beside text; of a folder that is new or gone, what it holds
+    char letter;            ///< A added, M changed, D gone, T now of another type
+    std::string path;       ///< absolute; a folder's ends with "/"
+    std::string detail;     ///< what changed beside text; what a new or gone folder holds
     std::string difference; ///< a unified diff where text changed
 };
 

@@ -18,10 +18,6 @@ namespace sandbox {
 
 namespace {
 
-bool lies_below(fs::path const& path, fs::path const& directory) {
-    return path != directory && *path.lexically_relative(directory).begin() != "..";
-}
-
 /// Whether no other mount hides the one with this number, as far as this user may look. Neither
 /// asks a server nor mounts anything.
 bool is_visible(char const* place, int number) {
@@ -31,17 +27,12 @@ bool is_visible(char const* place, int number) {
     return status.stx_mnt_id == static_cast<unsigned>(number);
 }
 
-bool is_kernels_own(fs::path const& directory) {
-    for (char const* const name : {"/proc", "/sys", "/dev", "/run"})
-        if (directory == name) return true;
-    return false;
-}
-
 /// Whether this user's overlay could change what lies in it.
 bool is_own(fs::path const& directory) {
     struct stat status {};
-    return stat(directory.c_str(), &status) == 0 && has_own_ids(status) &&
-           !names_others(directory.c_str(), true) && access(directory.c_str(), R_OK | X_OK) == 0;
+    return stat(directory.c_str(), &status) == 0 && status.st_uid == geteuid() &&
+           status.st_gid == getegid() && !names_others(directory.c_str(), true) &&
+           access(directory.c_str(), R_OK | X_OK) == 0;
 }
 
 /// Whether all directories from below `outer` down to `directory` are this user's own. An ordinary
@@ -74,18 +65,16 @@ class Plan {
     }
 
     void cover_inside(fs::path const& directory) {
-        for (fs::directory_entry const& entry : fs::directory_iterator(directory)) {
-            bool const is_left_out =
-                entry.is_symlink() || automounts_.count(entry) != 0 || is_kernels_own(entry);
-            if (!is_left_out && entry.is_directory()) cover(entry);
-        }
+        for (fs::directory_entry const& entry : fs::directory_iterator(directory))
+            if (!entry.is_symlink() && left_out_.count(entry) == 0 && entry.is_directory())
+                cover(entry);
     }
 
     void cover_mounts() {
         std::error_code unreachable;
         for (fs::path const& mount : coverage_.mounts)
             if (!nearest_above(coverage_.directories, mount).empty() &&
-                automounts_.count(mount) == 0 && fs::is_directory(mount, unreachable))
+                left_out_.count(mount) == 0 && fs::is_directory(mount, unreachable))
                 cover(mount);
     }
 
@@ -114,12 +103,13 @@ class Plan {
             char const* const place = mnt_fs_get_target(mount);
             if (!is_visible(place, mnt_fs_get_id(mount))) continue;
             coverage_.mounts.insert(place);
-            if (mnt_fs_get_fstype(mount) == std::string("autofs")) automounts_.insert(place);
+            if (mnt_fs_get_fstype(mount) == std::string("autofs")) left_out_.insert(place);
         }
     }
 
     Coverage coverage_;
-    std::set<fs::path> automounts_; ///< of the mounts; these are not to be triggered
+    /// The kernel's own, and the mounts that are not to be triggered.
+    std::set<fs::path> left_out_ = {"/proc", "/sys", "/dev", "/run"};
     bool is_root_;
 };
 
@@ -127,7 +117,9 @@ class Plan {
 
 fs::path first_below(std::set<fs::path> const& paths, fs::path const& directory) {
     auto const next = paths.upper_bound(directory); // what lies in it comes right behind it
-    return next != paths.end() && lies_below(*next, directory) ? *next : fs::path();
+    bool const is_below =
+        next != paths.end() && *next->lexically_relative(directory).begin() != "..";
+    return is_below ? *next : fs::path();
 }
 
 fs::path nearest_above(std::set<fs::path> const& paths, fs::path const& directory) {

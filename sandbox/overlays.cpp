@@ -27,10 +27,6 @@ int open_directory(fs::path const& directory) {
     return open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
-int every_attribute(char const* /*name*/, error_context* /*context*/) {
-    return 1;
-}
-
 /// Makes the topmost folder of an upper layer, which is what the directory itself is in the
 /// sandbox. An ordinary user becomes the owner of one that others own, with the rights that they
 /// have. The owner that is seen here does not tell: who is not mapped looks like user 65534.
@@ -46,7 +42,8 @@ void make_upper(fs::path const& folder, int lower, bool is_foreign) {
             if (access(path_of(lower).c_str(), right) == 0) mode |= mode_t(right) << 6;
     }
     bool const has_mode = fchmod(upper, mode) == 0;
-    attr_copy_fd("", lower, "", upper, every_attribute, nullptr); // as many as can be kept
+    auto* const every_one = +[](char const* /*name*/, error_context* /*context*/) { return 1; };
+    attr_copy_fd("", lower, "", upper, every_one, nullptr); // as many as can be kept
     close(upper);
     require(has_mode, "set a mode");
 }

@@ -6,6 +6,7 @@
 #include <linux/posix_acl.h>
 #include <linux/posix_acl_xattr.h>
 #include <sched.h>
+#include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -16,6 +17,7 @@
 #include <future>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -79,19 +81,6 @@ struct Directory {
     Obstacle obstacle; ///< for what lies in it, which is copied up after it
 };
 
-struct Findings {
-    std::vector<Directory> directories; ///< to be looked into
-    /// What this user can change outside and not in the sandbox, by path.
-    std::map<std::string, std::pair<struct stat, Obstacle>> obstructed;
-    std::set<gid_t> groups; ///< of all that this user owns
-
-    void add(Findings other) {
-        directories.insert(directories.end(), other.directories.begin(), other.directories.end());
-        obstructed.merge(other.obstructed);
-        groups.merge(other.groups);
-    }
-};
-
 /// Looks at directories and regular files, and follows no links.
 class Search {
   public:
@@ -107,14 +96,47 @@ class Search {
         Obstacle obstacle = !is_own ? other : status.st_gid != group_ ? group : none;
         if (!is_topmost) obstacle = std::max(obstacle, inherited);
         if (!is_topmost && obstacle == none && names_others(name, is_directory)) obstacle = other;
-        if (is_directory) found_.directories.push_back({path, is_topmost ? none : obstacle});
-        if (is_own) found_.groups.insert(status.st_gid);
-        if (obstacle != none && can_be_changed(name, status))
-            found_.obstructed[path] = {status, obstacle};
+        bool const is_found = obstacle != none && can_be_changed(name, status);
+        std::lock_guard const lock(mutex_);
+        if (is_directory) directories_.push_back({path, is_topmost ? none : obstacle});
+        if (is_own) groups_.insert(status.st_gid);
+        if (!is_found) return;
+        found_[path] = status;
+        is_group_alone_ = is_group_alone_ && obstacle == group;
     }
 
+    /// In two threads, for nearly all the time goes by in the kernel.
+    void visit_all_below() {
+        while (!directories_.empty()) {
+            std::vector<Directory> const level = std::exchange(directories_, {});
+            std::atomic<std::size_t> next = 0;
+            auto const work = [&] {
+                require_permission(unshare(CLONE_FS) == 0, "unshare"); // for a thread's own chdir
+                for (std::size_t at = 0; (at = next++) < level.size();) visit_contents(level[at]);
+            };
+            auto one = std::async(std::launch::async, work);
+            auto other = std::async(std::launch::async, work);
+            one.get();
+            other.get();
+        }
+    }
+
+    void refuse_what_was_found() const {
+        if (found_.empty()) return;
+        auto const& [path, status] = *found_.begin();
+        std::string const more =
+            found_.size() == 1 ? "" : " and " + std::to_string(found_.size() - 1) + " more";
+        bool const helps_sg =
+            is_group_alone_ && groups_.size() == 1 && can_be_first(*groups_.begin());
+        refuse("what belongs to others cannot change in it, and you could change " + path + " (" +
+               owner_in_words(status) + ")" + more + "; run it " +
+               (helps_sg ? "in sg " + name_of(*groups_.begin()) + " -c '...', or " : "") +
+               (geteuid() == 0 ? "in a container that allows CAP_SYS_ADMIN" : "as root"));
+    }
+
+  private:
     /// Makes it the working directory, for the kernel finds short names sooner.
-    void look_into(Directory const& directory) {
+    void visit_contents(Directory const& directory) {
         std::unique_ptr<DIR, int (*)(DIR*)> const stream(opendir(directory.path.c_str()), closedir);
         require(stream || errno != ENAMETOOLONG, "read " + directory.path);
         if (!stream || fchdir(dirfd(stream.get())) != 0) return;
@@ -125,47 +147,16 @@ class Search {
         }
     }
 
-    Findings const& found() const { return found_; }
-
-  private:
     Coverage const& coverage_;
     uid_t const user_ = geteuid();
     gid_t const group_ = getegid();
-    Findings found_;
+    std::vector<Directory> directories_; ///< whose contents have not been visited
+    std::set<gid_t> groups_;             ///< of all that this user owns
+    /// What this user can change outside and not in the sandbox, by path.
+    std::map<std::string, struct stat> found_;
+    bool is_group_alone_ = true; ///< that keeps it from changing
+    std::mutex mutex_;
 };
-
-/// Looks into the directories, in two threads, for nearly all the time goes by in the kernel.
-Findings look_into(std::vector<Directory> const& directories, Coverage const& coverage) {
-    std::atomic<std::size_t> next = 0;
-    auto const work = [&] {
-        require_permission(unshare(CLONE_FS) == 0, "unshare"); // a working directory of its own
-        Search search(coverage);
-        for (std::size_t at = 0; (at = next++) < directories.size();)
-            search.look_into(directories[at]);
-        return search.found();
-    };
-    auto other_half = std::async(std::launch::async, work);
-    Findings found = std::async(std::launch::async, work).get();
-    found.add(other_half.get());
-    return found;
-}
-
-/// Throws Refused if anything is obstructed.
-void refuse_obstructed(Findings const& found) {
-    if (found.obstructed.empty()) return;
-    auto const& [path, first] = *found.obstructed.begin();
-    std::size_t const count = found.obstructed.size();
-    bool const is_group_alone =
-        std::all_of(found.obstructed.begin(), found.obstructed.end(),
-                    [](auto const& each) { return each.second.second == group; });
-    bool const helps_sg =
-        is_group_alone && found.groups.size() == 1 && can_be_first(*found.groups.begin());
-    refuse("what belongs to others cannot change in it, and you could change " + path + " (" +
-           owner_in_words(first.first) + ")" +
-           (count == 1 ? "" : " and " + std::to_string(count - 1) + " more") + "; run it " +
-           (helps_sg ? "in sg " + name_of(*found.groups.begin()) + " -c '...', or " : "") +
-           (geteuid() == 0 ? "in a container that allows CAP_SYS_ADMIN" : "as root"));
-}
 
 } // namespace
 
@@ -174,21 +165,13 @@ bool names_others(char const* path, bool is_directory) {
            (is_directory && does_list_name_others(path, "system.posix_acl_default"));
 }
 
-bool has_own_ids(struct stat const& status) {
-    return status.st_uid == geteuid() && status.st_gid == getegid();
-}
-
 void require_own(std::set<fs::path> const& directories, Coverage const& coverage) {
     Search search(coverage);
     for (fs::path const& directory : directories)
         if (nearest_above(directories, directory.parent_path()).empty())
             search.visit(directory.c_str(), directory, none);
-    Findings found = search.found();
-    while (!found.directories.empty()) {
-        std::vector<Directory> const level = std::exchange(found.directories, {});
-        found.add(look_into(level, coverage));
-    }
-    refuse_obstructed(found);
+    search.visit_all_below();
+    search.refuse_what_was_found();
 }
 
 } // namespace sandbox

@@ -4,17 +4,12 @@
 // and what names another cannot be copied up. To be asked before the namespace is entered, for in
 // it all others look the same.
 
-#include <sys/stat.h>
-
 #include <filesystem>
 #include <set>
 
 #include "sandbox/coverage.h"
 
 namespace sandbox {
-
-/// Whether owner and group are this user's.
-bool has_own_ids(struct stat const& status);
 
 /// Whether an access control list of the file or directory names somebody else.
 bool names_others(char const* path, bool is_directory);

@@ -34,12 +34,12 @@ std::string remedy() {
 /// Tries again, for the kernel counts a thread that has been joined a moment longer, and a process
 /// with threads gets no user namespace.
 bool unshare_users() {
-    int result = -1;
-    for (int tries = 0; tries < 1000 && (result = unshare(CLONE_NEWUSER)) != 0; ++tries) {
+    for (int tries = 0; tries < 1000; ++tries) {
+        if (unshare(CLONE_NEWUSER) == 0) return true;
         if (errno != EINVAL) break;
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    return result == 0;
+    return false;
 }
 
 } // namespace

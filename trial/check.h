@@ -1,18 +1,19 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "installer/session.h"
 #include "trial/exit_status.h"
 #include "trial/report.h"
 #include "trial/sequence.h"
 
-// Both install and uninstall, print what changed, and judge what is left. Both throw where nothing
-// was run.
-
 namespace trial {
 
-ExitStatus check(installer::Session& session, Sequence& sequence, Report& report);
-
-/// On the real disk. The workbench and the product are compared with copies made before.
-ExitStatus check_without_sandbox(installer::Session& session, Sequence& sequence, Report& report);
+/// Installs and uninstalls, in a sandbox or on the real disk, prints what changed, and judges what
+/// is left. Outside of the workbench that may be what matches a pattern in `ignored`. Throws where
+/// nothing was run.
+ExitStatus check(installer::Session& session, std::vector<std::string> const& ignored,
+                 Sequence& sequence, Report& report, bool in_sandbox);
 
 } // namespace trial

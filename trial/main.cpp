@@ -89,7 +89,7 @@ ExitStatus execute(Arguments const& arguments) {
     Tracer tracer;
     installer::Host host;
     if (arguments.trace) host.listener = &tracer;
-    read_session(arguments.session_file, arguments.settings, host.session);
+    Texts const ignored = read_session(arguments.session_file, arguments.settings, host.session);
     std::string const& file = arguments.plugin_file;
     Plugin const plugin(file.empty() ? bundled_plugin().string() : file);
     Report report(arguments.strict);
@@ -98,8 +98,7 @@ ExitStatus execute(Arguments const& arguments) {
     std::string const& command = arguments.command;
     if (command != "run") require_product(host.session);
     if (command == "check")
-        return (arguments.no_sandbox ? check_without_sandbox : check)(host.session, sequence,
-                                                                      report);
+        return check(host.session, ignored, sequence, report, !arguments.no_sandbox);
     auto const work = [&] {
         if (command == "install") sequence.install();
         if (command == "uninstall") sequence.call("perform_deintegration");

@@ -56,8 +56,8 @@ class Reader {
         if (document.empty()) throw StartError(file_ + ": the file is empty; " + parts);
         check_keys(document, {"ignore", "variables", "component"}, parts);
         if (toml::node const* const patterns = document.get("ignore")) {
-            session_.ignored = texts("ignore", *patterns);
-            for (std::string const& pattern : session_.ignored)
+            ignored_ = texts("ignore", *patterns);
+            for (std::string const& pattern : ignored_)
                 if (pattern[0] != '/')
                     refuse(*patterns, "ignore: write " + show(pattern) + " from the root");
         }
@@ -83,6 +83,8 @@ class Reader {
         set_variable("--set: ", setting.substr(0, size),
                      replaced("--set: ", setting.substr(size + 1)));
     }
+
+    Texts const& ignored() const { return ignored_; }
 
   private:
     void set_variable(std::string const& place, std::string const& name, std::string const& value) {
@@ -184,11 +186,12 @@ class Reader {
     std::string file_;
     fs::path folder_;
     Session& session_;
+    Texts ignored_;
 };
 
 } // namespace
 
-void read_session(std::string const& file, Texts const& settings, Session& session) {
+Texts read_session(std::string const& file, Texts const& settings, Session& session) {
     std::ifstream stream(file);
     if (!stream.is_open()) throw StartError(file + ": " + std::strerror(errno));
     std::string text;
@@ -197,6 +200,7 @@ void read_session(std::string const& file, Texts const& settings, Session& sessi
         Reader reader(file, session);
         reader.read(toml::parse(text, file));
         for (std::string const& setting : settings) reader.set(setting);
+        return reader.ignored();
     } catch (std::system_error const& error) {
         throw StartError(file + ": " + error.code().message());
     } catch (toml::parse_error const& error) {
