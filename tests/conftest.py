@@ -214,13 +214,13 @@ class Site:
 
     def install(self, *options, **how):
         """Installs into the workbench that the user chose."""
-        workbench = f"WB_INTEGRATION_PATH={self.workbench}"
-        return self.wb_trial("install", "s.toml", "--set", workbench, *options, **how)
+        setting = f"WB_INTEGRATION_PATH={self.workbench}"
+        return self.wb_trial("install", "s.toml", "--set", setting, *options, **how)
 
-    def integrate(self, workbench=None, variables={}, **how):
+    def integrate(self, workbench=None, **how):
         """Integrates without a detection."""
-        chosen = {"WB_INTEGRATION_PATH": workbench or self.workbench}
-        return self.run("perform_integration", variables=chosen | variables, **how)
+        setting = f"WB_INTEGRATION_PATH={workbench or self.workbench}"
+        return self.run("perform_integration", "--set", setting, **how)
 
     def tree(self):
         """All that is in the site: what a sandbox must not change."""
@@ -237,8 +237,7 @@ class Way:
         self.in_sandbox = not options
 
     def __call__(self, site, *command, **how):
-        """The Report of a check, or of another command. Nothing on the disk may have changed after
-        a sandbox, and a check without one may leave no copies."""
+        """The Report. After a sandbox the disk has to be as it was, and no copies may be left."""
         site.give_to(self.user)
         before = site.tree()
         temporary = list(site.temporary.iterdir())
@@ -278,6 +277,11 @@ def way(request):
 def sandbox(request):
     """Every sandbox that can be tried here."""
     return way_or_skip(request.param)
+
+
+@pytest.fixture
+def root_sandbox():
+    return way_or_skip("sandbox-root")
 
 
 @pytest.fixture(scope="session")

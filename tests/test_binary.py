@@ -70,8 +70,7 @@ def test_hardening():
             assert {"-D_FORTIFY_SOURCE=2", "-fstack-clash-protection"} <= options
 
 
-def test_program():
-    """It runs as root too, and exports nothing but the host's operations."""
+def test_program_exports_the_hosts_operations_alone():
     program = BUILD / "wb-trial"
     if not program.exists():
         pytest.skip("is built with this machine's own headers and architecture")

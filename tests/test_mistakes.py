@@ -44,7 +44,6 @@ def test_product_that_is_not_there(site, assignment, refusal):
 
 
 MISTAKES = {
-    ":": "",
     "mv workbench w; ln -s w workbench; cp /bin/true $setup; touch product/suite/wr-qev-notes": "",
     "sed -i '1s|.*|#!/usr/bin/env perl|' $setup": "",
     "chmod -x $setup": SCRIPTS + 'setup.sh" is not executable; chmod +x it',

@@ -1,7 +1,7 @@
 """Whether the workbench is as it was after an install and an uninstall, told by every way to check."""
 
 import pytest
-from conftest import WAYS, can, first, needs_strace, says, table
+from conftest import can, first, needs_strace, says, table
 
 BY_DESIGN = "by design: the de-integration script, the location in 1 preferences file"
 
@@ -133,14 +133,6 @@ def test_workbench_that_is_gone_with_its_folder(site, way):
     site.shell("mkdir in; mv workbench in")
     site.edit("DIR}/workbench", "DIR}/in/workbench")
     assert way(site).verdict == "changed"
-
-
-def test_without_a_sandbox_the_disk_changes(site):
-    site.lay("echo >x")
-    report = WAYS["no-sandbox"](site)
-    assert report.lines[0] == "The disk changes: this check really installs and uninstalls."
-    assert "What the last list shows is left on the disk." in report.text
-    assert (site.workbench / "x").exists()
 
 
 def test_without_proc(site):
