@@ -29,14 +29,14 @@ MODES = st.sampled_from(["0", "500", "644", "755", "4711"])
 STEPS = st.lists(st.builds(str.format, st.sampled_from(COMMANDS), NAMES, NAMES, mode=MODES), max_size=6)
 
 
-TAR = "tar c --sort=name --mtime=@0 --hard-dereference --xattrs --acls .".split()
+TAR = "tar c --sort=name --mtime=@0 --hard-dereference --xattrs --acls".split()
 TAR += ["--pax-option=exthdr.name=%d/PaxHeaders/%f,delete=atime,delete=ctime"]
 
 
 def facts(folder):
     """All that can be known of what is in it, but for times."""
     as_root = [] if IS_ROOT else ["unshare", "-r"]
-    return subprocess.check_output([*as_root, *TAR], cwd=folder)
+    return subprocess.check_output([*as_root, *TAR, "-C", folder, "."])
 
 
 def in_workbench(report):

@@ -64,6 +64,7 @@ PRODUCTS = {
     "preferences that are gone": (":", "rm $prefs", True),
     "another line before the location was set": ("echo c=3 >>$prefs", ":", True),
     "another line after that": (":", "echo c=3 >>$prefs", True),
+    "another line in its script": (":", "echo >>$script", True),
 }
 
 
