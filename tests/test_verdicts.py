@@ -130,7 +130,7 @@ def test_one_in_the_other(site, way, move, setup, verdict):
 
 
 def test_workbench_that_is_gone_with_its_folder(site, way):
-    site.lay(uninstall='rm -r "$PWD/../../in"')
+    site.lay(uninstall='rm -r "${PWD%/*}"')
     site.shell("mkdir in; mv workbench in")
     site.edit("DIR}/workbench", "DIR}/in/workbench")
     assert way(site).verdict == "changed"
