@@ -248,11 +248,14 @@ def test_root_whose_rights_are_confined_has_a_users_sandbox(site, root_sandbox, 
     assert (report.verdict, report.failures) == ("as it was", []), report.text
 
 
+OVERLAY = "lowerdir=workbench,upperdir=tmp/$n,workdir=tmp/w$n"
+OVERLAYS = f"for n in 1 2; do mkdir tmp/$n tmp/w$n; mount -t overlay -o userxattr,{OVERLAY} x workbench; done"
 NO_NAMESPACES = "echo 0 >/proc/sys/user/max_user_namespaces"
 
 
 LIMITS = {
     "mount": ("mount -t tmpfs x workbench/dir", "because of the mount at ./workbench/dir"),
+    "overlay on overlays": (f"mount -t tmpfs x tmp; {OVERLAYS}", "the overlay over ./workbench is refused"),
     "no namespace": (NO_NAMESPACES, "user.max_user_namespaces is 0; change it"),
     "few open files": ("ulimit -n 10", "open files; raise the limit with ulimit -n"),
 }
@@ -263,9 +266,7 @@ def test_refusal(site, sandbox, limit, cause):
     """Where there can be no sandbox nothing is run, on the disk neither."""
     site.lay("echo run")
     report = sandbox(site, within=["unshare", "-Urm", *first(limit)], variables=NO_LOG)
-    assert report.refusal.startswith("there can be no sandbox: ")
-    assert len(report.lines) == 1
-    assert cause in report.refusal
+    says(report.lines, f"wb-trial: there can be no sandbox: ... {cause}")
     assert ("--no-sandbox" in report.refusal) == ("ulimit" not in cause)
 
 
@@ -277,7 +278,6 @@ AMONG_OTHERS = {
     "group": ("chgrp 1 workbench; chmod 775 workbench", [], 2, "(group daemon); run it as root"),
     "group of all": ("chgrp -R 1 .; chmod 775 workbench", [], 2, "in sg daemon -c '...', or as root"),
     "owner": ("chown 0 workbench; chmod 777 workbench", [], 2, "./workbench (owner 0); run it as"),
-    "files": ("umask 0; touch workbench/x workbench/y", [], 2, "./workbench/x (owner 0) and 1 more;"),
     "file in the product": ("umask 0; touch product/x", [], 2, "./product/x (owner 0);"),
     "its group": ("chgrp 1 $copied", [], 2, "$copied (group daemon);"),
     "ACL": ("setfacl -m u:12:r $copied", [], 2, "$copied (others have rights"),
