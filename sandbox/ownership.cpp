@@ -114,10 +114,10 @@ class Search {
                 require_permission(unshare(CLONE_FS) == 0, "unshare"); // for a thread's own chdir
                 for (std::size_t at = 0; (at = next++) < level.size();) visit_contents(level[at]);
             };
-            auto one = std::async(std::launch::async, work);
-            auto other = std::async(std::launch::async, work);
-            one.get();
-            other.get();
+            auto first = std::async(std::launch::async, work);
+            auto second = std::async(std::launch::async, work);
+            first.get();
+            second.get();
         }
     }
 
@@ -138,7 +138,8 @@ class Search {
     /// Makes it the working directory, for the kernel finds short names sooner.
     void visit_contents(Directory const& directory) {
         std::unique_ptr<DIR, int (*)(DIR*)> const stream(opendir(directory.path.c_str()), closedir);
-        require(stream || errno != ENAMETOOLONG, "read " + directory.path);
+        bool const is_closed_or_gone = !stream && (errno == EACCES || errno == ENOENT);
+        require(stream || is_closed_or_gone, "read " + directory.path);
         if (!stream || fchdir(dirfd(stream.get())) != 0) return;
         while (dirent const* const entry = readdir(stream.get())) {
             std::string const name = entry->d_name;

@@ -18,6 +18,7 @@
 #include <cstring>
 #include <optional>
 #include <set>
+#include <system_error>
 
 #include "sandbox/capabilities.h"
 #include "sandbox/overlays.h"
@@ -65,18 +66,21 @@ struct Preparation {
     rlimit descriptors; ///< for what runs in the sandbox
 };
 
-Preparation prepare(Directories const& named) {
+Preparation prepare(Directories const& named) try {
     bool const is_root = has_rights_of_root();
     std::vector<fs::path> all = named.needed;
     all.insert(all.end(), named.wanted.begin(), named.wanted.end());
     Coverage const coverage = plan_coverage(all, is_root);
+    rlimit const descriptors = raise_descriptor_limit(coverage);
     if (!is_root) require_own(directories_with(R_OK, named.needed), coverage);
     return {is_root,
             coverage,
             directories_with(W_OK, named.needed),
             directories_with(W_OK, named.wanted),
             forbidden_capabilities(),
-            raise_descriptor_limit(coverage)};
+            descriptors};
+} catch (std::system_error const& error) { // for want of a thread or a descriptor
+    refuse(std::string("it cannot be prepared: ") + error.what());
 }
 
 /// Those of the directories that are read-only now, each with why.
