@@ -1,6 +1,5 @@
 // usage: small_host LIBRARY BREAK ACTION...
-// An installer that does no more than it has to, for either set of headers. It loads the library,
-// calls the actions and prints their results. BREAK names the one thing that it does wrong.
+// An installer that does no more than it has to. BREAK names the one thing that it does wrong.
 
 #include <dlfcn.h>
 #include <fcntl.h>

@@ -4,7 +4,6 @@ from conftest import NO_RIGHTS, keyed_table, says
 
 
 WRITTEN = {
-    "SUPPORTED_VERSION=3.1;": 'PATH_STATUS = "ok"',
     "SUPPORTED_VERSION=3.1": 'PATH_STATUS = "unsupported"',
     "SUPPORTED_VERSION=2;3.1;4;": 'PATH_STATUS = "ok"',
     "SUPPORTED_VERSION=2;;": 'PATH_STATUS = "ok"',
@@ -39,7 +38,7 @@ def test_preferences_files_where_nothing_is_integrated(site, marker, is_found):
 
 
 def test_without_variables_actions_name_what_they_miss(site):
-    site.session.write_text("[variables]")
+    site.session.write_text("component = []\n[variables]")
     before = site.tree()
     actions = "init_wb_prefs perform_integration validate_wb_path detect_wb_in_default_path"
     report = site.run(*actions.split())

@@ -23,7 +23,6 @@ ARGUMENTS = {
     "install s.toml --set =x": '--set "=x": write NAME=VALUE',
     "install s.toml --set WB_PREF=x": "--set: unknown variable WB_PREF; did you mean WB_PREFS?",
     "install s.toml --plugin ''": "--plugin: the name is empty",
-    "install s.toml --plugin absent.so": "absent.so: the library does not load",
     "install s.toml --plugin ./broken.so": "does not load: ... undefined symbol: _Z6is_dxr",
     "install s.toml --plugin /lib/x86_64-linux-gnu/libm.so.6": "the library exports no detect_wb_in",
 }

@@ -19,12 +19,10 @@ def printed_by(*command):
 
 
 def complete(site, *words):
-    """What bash completes the words by."""
     return set(printed_by("bash", "-c", COMPLETE, "-", f"{site.program}/wb-trial", *words).split())
 
 
 def options_in(text):
-    """The options at the begin of a line, with their arguments."""
     lines = re.findall("^ *(-[-,a-zA-Z].*?)(?:  |$)", text, re.M)
     return {option for line in lines for option in re.findall("--[a-z-]+(?: [A-Z=]+)?", line)}
 

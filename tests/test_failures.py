@@ -195,6 +195,7 @@ def test_copy_keeps_modes_and_links_and_replaces_files(site):
         "folder": "lrwxrwxrwx",
         "kept": "-rwsr-xr-x",
         "link": "lrwxrwxrwx",
+        "wr-setup": "drwxr-sr-x",
     }
     assert {name: stat.filemode((site.copy / name).lstat().st_mode) for name in modes} == modes
     assert (site.copy / "a.prefs").read_text().endswith("newer\n")

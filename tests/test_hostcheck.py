@@ -11,7 +11,7 @@ __test__ = "SMALL_HOST" in os.environ  # which ctest sets
 
 SOURCE = Path(__file__).parent
 # What the small host can do wrong: the operation whose promise that breaks, and a name.
-BREAKS = re.findall(r'breaks\("(\w+: .*?)"\)', (SOURCE / "small_host.cpp").read_text())
+BREAKS = re.findall(r'breaks\(\s*"(\w+: .*?)"\)', (SOURCE / "small_host.cpp").read_text())
 
 
 def run(folder, broken="nothing", actions="init_wb_prefs", library="HOSTCHECK", **variables):

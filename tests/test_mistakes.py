@@ -19,7 +19,6 @@ VARIABLES = {
     "log_file=/x${HOME}/log": 'log_file is "/x${HOME}/log", ... write the path out',
     "WORKBENCH_SCRIPT_NAME=setup.sh": '"setup.sh.sh" ... but "setup.sh", "uninst_wr_qev.sh"; ... written',
     "WORKBENCH_SCRIPT_NAME=": 'there is no ".sh" ... WORKBENCH_SCRIPT_NAME is not set',
-    "WB_PREFS=.ini": 'no listed path contains ".ini", the text in WB_PREFS',
 }
 
 
@@ -120,7 +119,6 @@ def test_blank_in_the_search_path(site):
 FAILURES = {
     "rm -r $config": 'dir_copy("./product/suite/part/wr-qev-1.0a", ... No such file',
     "sed -i 's/, files = .*/ }]/' s.toml": "perform_integration: no listed path holds a configuration",
-    "rm $uninstall": "perform_integration: the uninstall script ... is not there, so nothing undoes",
     "sed -i s/workbench-part/part/ s.toml": "check: nothing was checked, for nothing was integrated",
 }
 

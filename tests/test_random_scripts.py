@@ -1,5 +1,4 @@
-"""Random scripts: in a sandbox and without one a check says what a comparison of the whole tree says. The examples
-are the same ones every time, unless FUZZ_SECONDS is set: then new ones are tried for so long."""
+"""Random scripts, the same ones every time, or new ones for FUZZ_SECONDS: a check says what a comparison says."""
 
 import os
 import subprocess

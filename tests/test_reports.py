@@ -35,7 +35,6 @@ ENDS = {
     "warning": (":", "install --set WB_PREFS=.ini", "passed, with 1 warning\n"),
     "strict": (":", "--strict install --set WB_PREFS=.ini", f"by --strict:\n  {WARNING}\nfailed\n"),
     "many changes": ("touch a b c d e", "check --no-sandbox", "A ./workbench/c and 2 more\nfailed\n"),
-    "nothing was run": (":", "install --plugin ./absent", "No such file or directory\n"),
     "stopped": (":", "install --set SUPPORTED_VERSION=", "SUPPORTED_VERSION is empty\nfailed\n"),
 }
 

@@ -177,7 +177,10 @@ def test_product_that_is_not_the_whole_disk(site, sandbox):
 
 MOUNTS = {
     "read-only": ("mount -t tmpfs -o ro a dir", "! echo >dir/x"),
-    "flags": ("mount -t tmpfs -o nosuid,nodev a dir", "grep 'dir overlay .*nosuid,nodev' /proc/mounts"),
+    "flags": (
+        "mount -t tmpfs -o nosuid,nodev,noexec a dir",
+        "grep 'dir overlay .*nodev,noexec' /proc/mounts",
+    ),
     "owner": ("mount -t tmpfs -o uid=1,gid=2 a dir", "[ $(stat -c %u:%g dir) = 1:2 ]"),
     "no overlay": ("mount -t proc a dir", "test -e dir/self && ! echo >dir/x"),
     "a file": ("mount --bind $setup dir/file", "grep mount dir/file && ! echo >dir/file"),
@@ -270,6 +273,13 @@ def test_refusal(site, sandbox, limit, cause):
     assert ("--no-sandbox" in report.refusal) == ("ulimit" not in cause)
 
 
+def test_user_who_may_start_no_thread(site, root_sandbox):
+    site.give_to(4711)
+    within = [*as_user(4711), "prlimit", "--nproc=1"]
+    report = site.wb_trial("check", "s.toml", within=within, variables=NO_LOG)
+    assert report.refusal.startswith("there can be no sandbox: it cannot be prepared: "), report.text
+
+
 MANY = "cd workbench; for d in 1 2 3 4 5 6 7 8; do mkdir $d; touch $d/x; chmod 666 $d/x; chown 4711:4711 $d; done"
 ABOVE = "mkdir a; mv workbench a; ln -s a/* .; chown 12345 a; chmod 311 ."
 
@@ -311,10 +321,7 @@ def test_user_among_others(site, root_sandbox, before, option, status, sentence)
 def test_nobody(site, root_sandbox):
     """To the user 65534 what others own looks in a user namespace like its own."""
     site.give_to(65534)
-    site.shell("chown -R 0:0 workbench")
-    report = site.wb_trial("check", "s.toml", user=65534, variables=NO_LOG)
-    assert 'PATH_STATUS = "notwritable"' in report.text
-    site.shell("chmod 666 workbench/dir/file")
+    site.shell("chown -R 0:0 workbench; chmod 666 workbench/dir/file")
     report = site.wb_trial("check", "s.toml", user=65534)
     assert "./workbench/dir/file (owner 0); run it as root" in report.refusal, report.text
 

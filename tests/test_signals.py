@@ -51,7 +51,6 @@ ALONE = {
 @table("words, is_copying", ALONE)
 @needs_proc
 def test_signal_to_wb_trial_alone(site, hanging, number, words, is_copying):
-    """A cp is ended too. Nothing else is run, and no copies stay."""
     if is_copying:
         site.shell("cp $setup cp")
     path = {"PATH": f"{site.root}:{site.environment['PATH']}"}

@@ -1,6 +1,6 @@
 #pragma once
 
-// Another installer's services, with other result types and more operations.
+// With other result types and more operations.
 
 #include <string>
 
