@@ -63,7 +63,7 @@ void hostcheck::files(session_t*, std::string const& folder) {
         for (auto const& [name, mode] : modes) expect_mode(copy + name, mode);
     });
     promise("dir_copy", "other files there and the source stay as they are", [&] {
-        expect("older", read_file(copy + "/older"));
+        expect("/older: older", "/older: " + read_file(copy + "/older"));
         expect_contents(source);
     });
     promise("dir_copy", "it returns where there is no source",

@@ -95,6 +95,7 @@ NO_WORKBENCH = {
     "SUPPORTED_VERSION=2": f"no version in SUPPORTED_VERSION is complete, and ... {WITHOUT_END}",
     "SUPPORTED_VERSION=": "SUPPORTED_VERSION is empty",
     "WB_INTEGRATION_PATH=product": '"product" holds no file install.properties',
+    "WB_INTEGRATION_PATH=absent": '"absent" is not there',
     "WB_INTEGRATION_PATH=other": '"other" is ... its install.properties has no word with "name="',
     "WB_INTEGRATION_PATH=": 'no directory in DEFAULT_SEARCH_PATH holds ... tried: "/absent", "./bench"',
 }

@@ -70,7 +70,9 @@ std::string explanation(Session const& session) {
         return "no directory in DEFAULT_SEARCH_PATH holds a file install.properties; tried: " +
                enumerated(tried) + remedy_for_blanks(tried);
     if (status == "undefined" && versions.empty()) return "SUPPORTED_VERSION is empty";
-    if (status == "undefined") return show(workbench) + " holds no file install.properties";
+    std::string const fault = fault_of_directory(workbench);
+    if (status == "undefined")
+        return show(workbench) + " " + (fault.empty() ? "holds no file install.properties" : fault);
     if (status == "unsupported") return why_not_supported(workbench, versions);
     if (status == "notwritable") return show(workbench) + " cannot be written by this user";
     return "validate_wb_path wrote no verdict to PATH_STATUS";

@@ -124,7 +124,9 @@ void check_before_undo(Session const& session, std::string const& copy, Outcome&
         outcome.fail_for_good(is_copy_there
                                   ? "nothing undoes the integration in " + show(expected.string()) +
                                         ", for there is no " + show(script) +
-                                        "; integrate again, then uninstall"
+                                        "; where VORN_INSTALL_DIR and VORN_INSTALL_SUBDIR are as "
+                                        "at the install, run the uninstall script in its wr-setup, "
+                                        "then remove it"
                                   : "the product is not integrated: there is no " + show(script));
     } else if (copy.empty()) {
         std::string fault = "is there only in part";
