@@ -188,8 +188,8 @@ class Site:
         settings = [word for name in variables for word in ("--set", f"{name}={variables[name]}")]
         in_sandbox = "--preview" in arguments or ("check" in arguments and "--no-sandbox" not in arguments)
         fresh = FRESH if in_sandbox and IS_ROOT and HAS_NAMESPACES else []
-        # The check for leaks cannot look into a process that has entered a namespace.
-        own = {"ASAN_OPTIONS": "detect_leaks=0"} if in_sandbox else {}
+        # The check for leaks cannot look into a process that has entered a namespace or is traced.
+        own = {"ASAN_OPTIONS": "detect_leaks=0"} if in_sandbox or within else {}
         return subprocess.Popen(
             [*fresh, *as_user(user), *within, "wb-trial", *arguments, *settings],
             cwd=self.root,
