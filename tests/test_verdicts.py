@@ -1,6 +1,7 @@
 """Whether the workbench is as it was after an install and an uninstall, told by every way to check."""
 
-from conftest import first, needs_strace, says, table
+import pytest
+from conftest import BUILD, first, needs_strace, says, table
 
 BY_DESIGN = "by design: the de-integration script, the location in 1 preferences file"
 
@@ -129,6 +130,7 @@ def test_workbench_that_is_gone_with_its_folder(site, way):
     assert way(site).verdict == "changed"
 
 
+@pytest.mark.skipif("sanitize" in BUILD.parts, reason="sanitizers read their options in /proc")
 def test_without_proc(site, root_sandbox):
     mounting = ["unshare", "-m", *first("mount -t tmpfs x /proc")]
     report = site.wb_trial("check", "--no-sandbox", "s.toml", within=mounting)
